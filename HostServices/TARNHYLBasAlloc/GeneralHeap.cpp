@@ -1,0 +1,22 @@
+#include <new>
+
+#include "Exhaustion.h"
+#include "TARNHYLBasAlloc.h"
+
+void* mem_Malloc_Handled(unsigned int size) {
+  for (;;) {
+    if (void* const block = hylbas_detail::TryAllocate(size)) return block;
+    hylbas_detail::HandleExhaustion(size);
+  }
+}
+
+void* mem_Malloc(unsigned int size) { return hylbas_detail::TryAllocate(size); }
+
+void mem_Free(void* block) { std::free(block); }
+
+void* mem_OperatorNewThrow(unsigned int size) {
+  if (void* const block = hylbas_detail::TryAllocate(size)) return block;
+  throw std::bad_alloc();
+}
+
+void* mem_OperatorNewThrowBuiltin(unsigned int size) { return mem_OperatorNewThrow(size); }

@@ -1,0 +1,120 @@
+/// \file
+/// Replicators: how a type-erased container learns to handle elements whose type it never knows.
+///
+/// A container stores one `HYLBasReplicatorGeneric` and moves, copies and destroys elements only
+/// through it. Take `HYLBasGetReplicator<T>()` for element types known at compile time, or fill in
+/// a record of your own. All functions here are stateless and may run on any number of threads at
+/// once on disjoint elements.
+#pragma once
+
+#include <cstring>
+#include <type_traits>
+
+#include "HYLBasAllocationOperators.h"
+#include "HYLBasExport.h"
+#include "HYLBasInstantiations.h"
+#include "HYLBasPair.h"
+
+/// The element policy of a type-erased container: a plain record, copied member by member.
+class HYLBASGENERICS_EXPORT HYLBasReplicatorGeneric {
+public:
+  /// Copies `count` consecutive elements at `source` into the slots at `destination`, first to
+  /// last. The slots may be raw storage or hold live elements. Containers call it on overlapping
+  /// ranges only with the destination before the source. A count of 0 does nothing.
+  using CopyFunction = void (*)(void const* source, void* destination, unsigned int count);
+  /// Ends the life of `count` consecutive elements, once over each batch that leaves a container.
+  using DestroyFunction = void (*)(void const* first, unsigned int count);
+
+  /// Elements of `size` bytes without functions: serves only a container that never copies one.
+  HYLBASGENERICS_EXPORT_INLINE explicit HYLBasReplicatorGeneric(int size)
+      : m_size(size), m_copy(nullptr), m_destroy(nullptr) {}
+  /// Elements of `size` bytes (at least 1). A null `destroy` means that elements need no
+  /// destruction; vectors may then fill runs of equal elements bytewise.
+  HYLBASGENERICS_EXPORT_INLINE HYLBasReplicatorGeneric(int size, CopyFunction copy,
+                                                       DestroyFunction destroy)
+      : m_size(size), m_copy(copy), m_destroy(destroy) {}
+
+  int m_size;                ///< bytes per element
+  CopyFunction m_copy;       ///< called without a test by every operation that copies elements
+  DestroyFunction m_destroy; ///< may be null
+};
+
+/// Copy function of plain data types: short runs element by element, first to last; 10 elements or
+/// more as one `memmove`, which is correct for overlap in either direction.
+template <class T>
+HYLBASGENERICS_EXPORT void HYLBasPODCopy(void const* source, void* destination,
+                                         unsigned int count) {
+  static_assert(std::is_trivially_copyable_v<T>);
+  if (count >= 10) {
+    std::memmove(destination, source, static_cast<std::size_t>(count) * sizeof(T));
+    return;
+  }
+  auto const* from = static_cast<T const*>(source);
+  auto* to = static_cast<T*>(destination);
+  for (unsigned int i = 0; i != count; ++i)
+    to[i] = from[i];
+}
+
+/// Copy function of class types: copy-constructs each slot in place, first to last, also where the
+/// slot holds a live element.
+template <class T>
+HYLBASGENERICS_EXPORT void HYLBasStandardCopy(void const* source, void* destination,
+                                              unsigned int count) {
+  auto const* from = static_cast<T const*>(source);
+  auto* to = static_cast<char*>(destination);
+  for (unsigned int i = 0; i != count; ++i, to += sizeof(T))
+    new (to, HYLBasPlacement()) T(from[i]);
+}
+
+/// Destroy function of class types: runs the destructor of each element, first to last.
+template <class T>
+HYLBASGENERICS_EXPORT void HYLBasStandardDestroy(void const* first, unsigned int count) {
+  auto const* element = static_cast<T const*>(first);
+  for (unsigned int i = 0; i != count; ++i)
+    element[i].~T();
+}
+
+/// The functions of a plain data type.
+template <class T>
+class HYLBASGENERICS_EXPORT HYLBasPODReplicator {
+public:
+  static HYLBasReplicatorGeneric::CopyFunction GetCopyFunc() { return HYLBasPODCopy<T>; }
+  static HYLBasReplicatorGeneric::DestroyFunction GetDestroyFunc() { return nullptr; }
+};
+
+/// The functions of a class type.
+template <class T>
+class HYLBASGENERICS_EXPORT HYLBasReplicator {
+public:
+  static HYLBasReplicatorGeneric::CopyFunction GetCopyFunc() { return HYLBasStandardCopy<T>; }
+  static HYLBasReplicatorGeneric::DestroyFunction GetDestroyFunc() {
+    return HYLBasStandardDestroy<T>;
+  }
+};
+
+/// The replicator of element type `T`: plain data functions for arithmetic types, the class type's
+/// functions for everything else.
+template <class T>
+HYLBASGENERICS_EXPORT inline HYLBasReplicatorGeneric HYLBasGetReplicator() {
+  using Functions =
+      std::conditional_t<std::is_arithmetic_v<T>, HYLBasPODReplicator<T>, HYLBasReplicator<T>>;
+  return HYLBasReplicatorGeneric(static_cast<int>(sizeof(T)), Functions::GetCopyFunc(),
+                                 Functions::GetDestroyFunc());
+}
+
+// The instantiations live in the library, so that a function has one address in the process.
+#define HYLBAS_DECLARE_PLAIN(...)                                                                  \
+  extern template HYLBASGENERICS_EXPORT void HYLBasPODCopy<__VA_ARGS__>(void const*, void*,        \
+                                                                        unsigned int);
+#define HYLBAS_DECLARE_CLASS(...)                                                                  \
+  extern template HYLBASGENERICS_EXPORT void HYLBasStandardCopy<__VA_ARGS__>(void const*, void*,   \
+                                                                             unsigned int);        \
+  extern template HYLBASGENERICS_EXPORT void HYLBasStandardDestroy<__VA_ARGS__>(void const*,       \
+                                                                                unsigned int);
+#define HYLBAS_DECLARE_MAPPED(V) HYLBAS_DECLARE_CLASS(HYLBasPair<int const, V>)
+HYLBAS_FOR_EACH_PLAIN_TYPE(HYLBAS_DECLARE_PLAIN)
+HYLBAS_FOR_EACH_MAPPED_TYPE(HYLBAS_DECLARE_MAPPED)
+HYLBAS_DECLARE_CLASS(HYLBasPair<int, int>)
+#undef HYLBAS_DECLARE_MAPPED
+#undef HYLBAS_DECLARE_CLASS
+#undef HYLBAS_DECLARE_PLAIN

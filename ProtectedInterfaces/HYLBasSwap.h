@@ -1,0 +1,13 @@
+/// \file
+/// Exchange of two plain values.
+#pragma once
+
+#include "HYLBasExport.h"
+
+/// Exchanges `a` and `b`; they may be the same object.
+template <class T>
+HYLBASGENERICS_EXPORT void HYLBasSwap(T& a, T& b) {
+  T const kept(a);
+  a = b;
+  b = kept;
+}

@@ -1,0 +1,16 @@
+/// \file
+/// The vectors' allocator policy: blocks straight from the memory library's general heap.
+#pragma once
+
+#include "HYLBasExport.h"
+
+/// Holds no data.
+class HYLBASGENERICS_EXPORT HYLBasVectorAllocator {
+public:
+  HYLBASGENERICS_EXPORT_INLINE HYLBasVectorAllocator() {}
+
+  /// `mem_Malloc_Handled(bytes)`: never null.
+  static void* allocate(unsigned int bytes);
+  /// `mem_Free(p)`; the size is not used.
+  static void deallocate(void* p, unsigned int bytes);
+};

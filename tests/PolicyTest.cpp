@@ -1,0 +1,145 @@
+// Comparators, pairs, hash values, exchange and replicators: pure functions and plain records.
+#include <cstdint>
+#include <cstring>
+#include <string>
+#include <vector>
+
+#include <gtest/gtest.h>
+
+#include "HYLBasComparitor.h"
+#include "HYLBasHashValue.h"
+#include "HYLBasPair.h"
+#include "HYLBasReplicator.h"
+#include "HYLBasSwap.h"
+#include "HYLBasTreeNodeGeneric.h"
+
+namespace {
+
+TEST(HashValue, DropsTheTwoLowBitsThenReduces) {
+  EXPECT_EQ(HashValue(13u, 4), 3u);
+  EXPECT_EQ(HashValue(4294967295u, 7), 0u);
+  EXPECT_EQ(HashValue(100u, 7), 4u);
+  void* const address = reinterpret_cast<void*>(std::uintptr_t{4096});
+  EXPECT_EQ(HashValue(address, 16), 0u);
+  EXPECT_EQ(HashValue(address, 7), (4096u >> 2) % 7);
+}
+
+TEST(Pair, OrdersByFirstThenSecondSigned) {
+  using P = HYLBasPair<int, int>;
+  P const ordered[] = {P(-1, 0), P(0, -9), P(0, 9), P(1, 0), P(1, 5), P(1, 7)};
+  for (P const& a : ordered)
+    for (P const& b : ordered)
+      EXPECT_EQ(a < b, &a < &b);
+  P const zero;
+  EXPECT_TRUE(zero.first == 0 && zero.second == 0);
+}
+
+TEST(Comparitor, AnswersStrictlyBeforeWhateverTheContext) {
+  int const minusOne = -1, zero = 0;
+  auto const before = HYLBasComparitor<int>::GetComparitor();
+  for (void const* context : {static_cast<void const*>(nullptr), static_cast<void const*>(&zero)}) {
+    EXPECT_TRUE(before(&minusOne, &zero, context));
+    EXPECT_FALSE(before(&zero, &minusOne, context));
+    EXPECT_FALSE(before(&zero, &zero, context));
+  }
+}
+
+TEST(Comparitor, CharStarTellsWhetherStringsDiffer) {
+  char const* const words[] = {"", "a", "ab", "abc", "abd"};
+  for (char const* a : words)
+    for (char const* b : words)
+      EXPECT_EQ(HYLBasCompareConstCharStar(a, std::string(b).c_str(), nullptr), a != b);
+}
+
+TEST(Comparitor, IxPassesBothContexts) {
+  static unsigned int seen[2];
+  int context1 = 0, context2 = 0;
+  HYLBasIxComparitor const ix{[](unsigned int a, unsigned int b, void const* c1, void const* c2) {
+                                seen[0] = a;
+                                seen[1] = b;
+                                return c1 < c2;
+                              },
+                              &context1, &context2};
+  EXPECT_EQ(ix(7, 9), static_cast<void const*>(&context1) < static_cast<void const*>(&context2));
+  EXPECT_EQ(seen[0], 7u);
+  EXPECT_EQ(seen[1], 9u);
+}
+
+template <class T>
+void ExchangesTwo(T a, T b) {
+  T x = a, y = b;
+  HYLBasSwap(x, y);
+  EXPECT_TRUE(x == b && y == a);
+  HYLBasSwap(x, x);
+  EXPECT_TRUE(x == b);
+}
+
+TEST(Swap, ExchangesEveryInstantiation) {
+  HYLBasTreeNodeGeneric node;
+  int object = 0;
+  ExchangesTwo(1u, 4294967295u);
+  ExchangesTwo<HYLBasCompareFunction>(HYLBasStandardComparitor<int>, HYLBasCompareConstCharStar);
+  ExchangesTwo<HYLBasTreeNodeGeneric*>(&node, nullptr);
+  ExchangesTwo<void const*>(&object, nullptr);
+  ExchangesTwo(e_red, e_black);
+
+  HYLBasReplicatorGeneric a(12), b = HYLBasGetReplicator<HYLBasPair<int, int>>();
+  HYLBasSwap(a, b);
+  EXPECT_EQ(a.m_size, 8);
+  EXPECT_EQ(a.m_copy, (HYLBasStandardCopy<HYLBasPair<int, int>>));
+  EXPECT_EQ(a.m_destroy, (HYLBasStandardDestroy<HYLBasPair<int, int>>));
+  EXPECT_TRUE(b.m_size == 12 && b.m_copy == nullptr && b.m_destroy == nullptr);
+}
+
+// Copies runs of every length across the switch to a block move, disjoint and overlapping with the
+// destination before the source, against the plain meaning of a copy.
+template <class T>
+void CopiesLikeAPlainLoop(HYLBasReplicatorGeneric const& replicator) {
+  ASSERT_EQ(replicator.m_size, static_cast<int>(sizeof(T)));
+  constexpr unsigned int slots = 40;
+  for (unsigned int count : {0u, 1u, 2u, 9u, 10u, 11u, 17u})
+    for (unsigned int shift : {1u, 3u, 20u}) {
+      alignas(16) unsigned char bytes[slots * sizeof(T)];
+      for (unsigned int i = 0; i != sizeof bytes; ++i)
+        bytes[i] = static_cast<unsigned char>(i * 37);
+      std::vector<unsigned char> expected(bytes, bytes + sizeof bytes);
+      std::memmove(&expected[0], &expected[shift * sizeof(T)], count * sizeof(T));
+      replicator.m_copy(bytes + shift * sizeof(T), bytes, count);
+      EXPECT_EQ(std::memcmp(bytes, expected.data(), sizeof bytes), 0) << count << ' ' << shift;
+    }
+}
+
+template <class T>
+void PlainReplicator() {
+  HYLBasReplicatorGeneric const r = HYLBasGetReplicator<T>();
+  EXPECT_EQ(r.m_copy, HYLBasPODCopy<T>);
+  EXPECT_EQ(r.m_destroy, nullptr);
+  CopiesLikeAPlainLoop<T>(r);
+}
+
+template <class V>
+void PairReplicator() {
+  using P = HYLBasPair<int const, V>;
+  HYLBasReplicatorGeneric const r = HYLBasGetReplicator<P>();
+  EXPECT_EQ(r.m_size, sizeof(V) == 8 ? 16 : 8);
+  EXPECT_EQ(r.m_copy, HYLBasStandardCopy<P>);
+  EXPECT_EQ(r.m_destroy, HYLBasStandardDestroy<P>);
+  P const source[] = {P(-1, V(7)), P(2, V(9))};
+  alignas(P) unsigned char slots[sizeof source];
+  r.m_copy(source, slots, 2);
+  r.m_destroy(slots, 2);
+  auto const* copies = reinterpret_cast<P const*>(slots);
+  EXPECT_TRUE(copies[0].first == -1 && copies[0].second == V(7));
+  EXPECT_TRUE(copies[1].first == 2 && copies[1].second == V(9));
+}
+
+TEST(Replicator, EveryElementType) {
+#define PLAIN(T) PlainReplicator<T>();
+#define MAPPED(V) PairReplicator<V>();
+  HYLBAS_FOR_EACH_PLAIN_TYPE(PLAIN)
+  HYLBAS_FOR_EACH_MAPPED_TYPE(MAPPED)
+#undef MAPPED
+#undef PLAIN
+}
+
+} // namespace
