@@ -29,6 +29,10 @@
 
 template <class T>
 class HYLBasVector;
+namespace hylbas_detail {
+template <class V>
+class VectorAlgorithms;
+}
 
 class HYLBASGENERICS_EXPORT HYLBasVectorGeneric {
 public:
@@ -136,6 +140,7 @@ public:
 private:
   template <class T>
   friend class HYLBasVector;
+  friend class hylbas_detail::VectorAlgorithms<HYLBasVectorGeneric>;
 
   // An empty vector; for the typed vectors.
   HYLBASGENERICS_LOCAL explicit HYLBasVectorGeneric(HYLBasReplicatorGeneric const& replicator)

@@ -1,0 +1,201 @@
+/// \file
+/// The typed growable array, with the member names of a standard sequence container.
+///
+/// Take it for plain numbers: it is `HYLBasVectorGeneric` with typed names and adds no storage.
+/// Element access, size and appending with room are inline and cost what they cost on a plain
+/// array; everything else is one call into the library. It differs from `std::vector` in these
+/// points: counts are 32 bits, growth triples (see `HYLBasVectorGeneric.h` for the exact numbers),
+/// exhausted memory ends the process instead of throwing, and `at` ends the process too.
+///
+/// Invalidation, for every operation: positions are plain pointers. When the capacity changes all
+/// of them are invalid; otherwise those before the changed element stay valid.
+#pragma once
+
+#include <cstdlib>
+#include <limits>
+#include <type_traits>
+
+#include "HYLBasAllocationOperators.h"
+#include "HYLBasExport.h"
+#include "HYLBasInstantiations.h"
+#include "HYLBasPair.h"
+#include "HYLBasReplicator.h"
+#include "HYLBasVectorAllocator.h"
+#include "HYLBasVectorGeneric.h"
+
+template <class T>
+class HYLBASGENERICS_EXPORT HYLBasVector : public mem_AllocationOperators {
+public:
+  using value_type = T;
+  using size_type = unsigned int;
+  using reference = T&;
+  using const_reference = T const&;
+  using iterator = T*;
+  using const_iterator = T const*;
+
+  /// \name Construction
+  /// Linear in the number of elements; one block of exactly that many, none for 0.
+  /// @{
+  HYLBasVector() : m_data(HYLBasGetReplicator<T>()) {}
+
+  /// `n` zero elements.
+  explicit HYLBasVector(unsigned int n) : HYLBasVector() {
+    T const zero = T();
+    HYLBasVectorGeneric contents(m_data.m_replicator);
+    contents.Init(n, &zero);
+    m_data.swap(contents);
+  }
+
+  /// `n` copies of `value`.
+  HYLBasVector(unsigned int n, T const& value) : HYLBasVector() { m_data.Init(n, &value); }
+
+  /// Copies of the elements of [`first`, `last`).
+  HYLBasVector(T const* first, T const* last) : HYLBasVector() {
+    m_data.Init(static_cast<void const*>(first), static_cast<void const*>(last));
+  }
+
+  HYLBasVector(HYLBasVector const& other) : mem_AllocationOperators(), m_data(other.m_data) {}
+
+  ~HYLBasVector() {}
+
+  /// Replaces the contents by copies of `other`'s in a new block of exactly that many elements.
+  HYLBasVector& operator=(HYLBasVector const& other) {
+    m_data = other.m_data;
+    return *this;
+  }
+  /// @}
+
+  /// \name Access
+  /// Constant time. Unchecked but for `at`, which ends the process with the message of
+  /// `HYLBasVectorGeneric::RangeCheck` when `i` is not below the size.
+  /// @{
+  T* begin() { return reinterpret_cast<T*>(m_data.m_first); }
+  T const* begin() const { return reinterpret_cast<T const*>(m_data.m_first); }
+  T* end() { return reinterpret_cast<T*>(m_data.m_last); }
+  T const* end() const { return reinterpret_cast<T const*>(m_data.m_last); }
+  T& front() { return *begin(); }
+  T const& front() const { return *begin(); }
+  T& back() { return end()[-1]; }
+  T const& back() const { return end()[-1]; }
+  T& operator[](unsigned int i) { return begin()[i]; }
+  T const& operator[](unsigned int i) const { return begin()[i]; }
+  T& at(unsigned int i) {
+    range_check(i);
+    return begin()[i];
+  }
+  T const& at(unsigned int i) const {
+    range_check(i);
+    return begin()[i];
+  }
+  /// @}
+
+  /// \name Size
+  /// Constant time; in elements.
+  /// @{
+  unsigned int size() const { return static_cast<unsigned int>(end() - begin()); }
+  unsigned int capacity() const {
+    return static_cast<unsigned int>(reinterpret_cast<T const*>(m_data.m_endOfStorage) - begin());
+  }
+  bool empty() const { return m_data.m_first == m_data.m_last; }
+  /// The largest 32-bit byte count divided by the element size; no operation checks against it.
+  unsigned int max_size() const {
+    return std::numeric_limits<unsigned int>::max() / static_cast<unsigned int>(sizeof(T));
+  }
+  HYLBasVectorAllocator get_allocator() const { return HYLBasVectorAllocator(); }
+  /// @}
+
+  /// \name Appending and inserting
+  /// Linear in the number of elements inserted and moved; appending in amortised constant time.
+  /// `pos` lies in [`begin()`, `end()`]; the process ends without a message where it does not.
+  /// @{
+  void push_back(T const& value) {
+    if constexpr (std::is_arithmetic_v<T>) {
+      if (m_data.m_last != m_data.m_endOfStorage) {
+        *end() = value;
+        m_data.m_last += sizeof(T);
+        return;
+      }
+    }
+    m_data.PushBack(&value);
+  }
+  /// Appends a zero element.
+  void push_back() { push_back(T()); }
+
+  /// Inserts a zero element before `pos`; returns its position.
+  T* insert(T* pos) { return insert(pos, T()); }
+  /// Inserts a copy of `value` before `pos`; returns its position.
+  T* insert(T* pos, T const& value) {
+    return fromGeneric(m_data.Insert(pos, static_cast<void const*>(&value)));
+  }
+  /// Inserts `n` copies of `value` before `pos`.
+  void insert(T* pos, unsigned int n, T const& value) { m_data.Insert(pos, n, &value); }
+  /// Inserts copies of the elements of [`first`, `last`) before `pos`.
+  void insert(T* pos, T const* first, T const* last) {
+    m_data.Insert(pos, static_cast<void const*>(first), static_cast<void const*>(last));
+  }
+  /// @}
+
+  /// \name Removing
+  /// Linear in the number of elements moved. The block and the capacity stay.
+  /// @{
+
+  /// Removes the last element; the vector must not be empty, unchecked.
+  void pop_back() {
+    if constexpr (std::is_arithmetic_v<T>) {
+      m_data.m_last -= sizeof(T);
+    } else {
+      m_data.PopBack();
+    }
+  }
+  /// Removes the element at `pos`, in [`begin()`, `end()`); returns `pos`. The process ends without
+  /// a message where it is not.
+  T* erase(T* pos) { return fromGeneric(m_data.Erase(pos)); }
+  /// Removes [`first`, `last`) and returns `first`, which must not lie after `last`, unchecked.
+  /// The process ends without a message where the range leaves the vector.
+  T* erase(T* first, T* last) { return fromGeneric(m_data.Erase(first, last)); }
+  void clear() { m_data.Clear(); }
+  /// @}
+
+  /// \name Whole contents
+  /// Linear in the number of elements before and after.
+  /// @{
+
+  /// The contents become `n` copies of `value`.
+  void assign(unsigned int n, T const& value) { m_data.Assign(n, &value); }
+  /// Removes the elements from `n` on, or appends zero elements up to `n`.
+  void resize(unsigned int n) { resize(n, T()); }
+  /// Removes the elements from `n` on, or appends copies of `value` up to `n`.
+  void resize(unsigned int n, T const& value) { m_data.Resize(n, &value); }
+  /// Makes room for `n` elements in all; the new capacity is exactly `n` when it grows.
+  void reserve(unsigned int n) { m_data.Reserve(n); }
+  /// Exchanges the blocks of the two vectors in constant time.
+  void swap(HYLBasVector& other) { m_data.swap(other.m_data); }
+  /// @}
+
+protected:
+  void range_check(unsigned int i) const {
+    if (i < size()) return;
+    m_data.RangeCheck(i);
+    std::abort(); // not reached; tells the compiler that a failed check does not carry on
+  }
+
+  /// The vector as its core, which lies at its own address.
+  HYLBasVectorGeneric& Generic() { return m_data; }
+  HYLBasVectorGeneric const& Generic() const { return m_data; }
+
+  char* toGeneric(T* p) { return reinterpret_cast<char*>(p); }
+  char const* toGeneric(T const* p) { return reinterpret_cast<char const*>(p); }
+  T* fromGeneric(char* p) { return reinterpret_cast<T*>(p); }
+  T* fromGeneric(void* p) { return static_cast<T*>(p); }
+  T const* fromGeneric(char* const p) const { return reinterpret_cast<T const*>(p); }
+
+private:
+  HYLBasVectorGeneric m_data;
+};
+
+#define HYLBAS_DECLARE_VECTOR(T) extern template class HYLBasVector<T>;
+HYLBAS_FOR_EACH_PLAIN_TYPE(HYLBAS_DECLARE_VECTOR)
+#undef HYLBAS_DECLARE_VECTOR
+
+static_assert(sizeof(HYLBasVector<int>) == sizeof(HYLBasVectorGeneric));
+static_assert(std::is_standard_layout_v<HYLBasVector<int>>);
