@@ -18,8 +18,14 @@
 #else
 #define TARNHYLBASALLOC_EXPORT __declspec(dllimport)
 #endif
+#define TARNHYLBASALLOC_EXPORT_INLINE
+#define TARNHYLBASALLOC_LOCAL
 #else
 #define TARNHYLBASALLOC_EXPORT __attribute__((visibility("default")))
+/// For inline members that the libraries using them may export.
+#define TARNHYLBASALLOC_EXPORT_INLINE TARNHYLBASALLOC_EXPORT
+/// Keeps a private helper of an exported class out of the export table.
+#define TARNHYLBASALLOC_LOCAL __attribute__((visibility("hidden")))
 #endif
 
 /// \name General heap
@@ -61,7 +67,7 @@ public:
   HYLBasMemPool& operator=(HYLBasMemPool const&) = delete;
 
   /// Marks the pool as in use.
-  void Activate() { m_active = true; }
+  TARNHYLBASALLOC_EXPORT_INLINE void Activate() { m_active = true; }
 
   /// Allocates `size` bytes, aligned for any scalar type; never returns null, exhaustion is
   /// handled as by `mem_Malloc_Handled`.
@@ -74,17 +80,20 @@ public:
   unsigned int MemoryCurrent();
   /// Largest value that `MemoryCurrent()` has had.
   unsigned int MemoryPeak();
+  /// A number that tells the process's pools apart.
   int PoolID();
+  /// The pool's name, for display.
   char* PoolName();
 
 protected:
-  HYLBasMemPool(int poolID, char const* poolName);
+  /// `poolName` is not copied.
+  HYLBasMemPool(int poolID, char* poolName);
   ~HYLBasMemPool();
 
 private:
   bool m_active; // first member: the flag's place is part of the contract
   int m_poolID;
-  char const* m_poolName;
+  char* m_poolName;
   unsigned long long m_memoryCurrent;
   unsigned long long m_memoryPeak;
 };
@@ -132,40 +141,58 @@ public:
   /// Hands out `bytes` bytes (at most 495), directly after the previous ones while they end before
   /// byte 496 of the block and from a fresh block otherwise; adds no alignment. A request that no
   /// block can hold is reported on the standard error stream and ends the process.
-  void* Alloc(unsigned int bytes) {
-    if (bytes >= e_blockEnd) RequestTooLarge(bytes);
-    if (m_used + bytes >= e_blockEnd) Grow();
+  TARNHYLBASALLOC_EXPORT_INLINE void* Alloc(unsigned int bytes) {
+    // Compared with what is left, because the end of a huge request wraps around to a small one.
+    if (bytes >= e_blockEnd - m_used) {
+      if (bytes >= e_blockEnd) RequestTooLarge(bytes);
+      Grow();
+    }
     void* result = m_blocks[m_currentBlock] + m_used;
     m_used += bytes;
     return result;
   }
 
   /// The same as `Alloc`.
-  void* allocate(unsigned int bytes) { return Alloc(bytes); }
+  TARNHYLBASALLOC_EXPORT_INLINE void* allocate(unsigned int bytes) { return Alloc(bytes); }
 
   /// Releases nothing; returns 0.
-  unsigned int deallocate(void*, int) { return 0; }
+  TARNHYLBASALLOC_EXPORT_INLINE unsigned int deallocate(void*, int) { return 0; }
 
   /// Makes a fresh block current, with 0 bytes used.
   void Grow();
+
+  /// Exchanges everything that the two pools hold; allocations stay valid and belong to the other
+  /// pool. Constant time.
+  void Swap(HYLBasMemTruePool& other) {
+    std::swap(m_blocks, other.m_blocks);
+    std::swap(m_currentBlock, other.m_currentBlock);
+    std::swap(m_used, other.m_used);
+    std::swap(m_blockCount, other.m_blockCount);
+    std::swap(m_blockRoom, other.m_blockRoom);
+    std::swap(m_poolNumber, other.m_poolNumber);
+    std::swap(m_poolName, other.m_poolName);
+    std::swap(m_cacheManager, other.m_cacheManager);
+  }
 
 private:
   // A block never hands out the byte at this distance from its start, nor any after it.
   enum : unsigned int { e_blockEnd = 496 };
 
-  [[noreturn, gnu::cold, gnu::noinline, gnu::visibility("hidden")]] static void
+  [[noreturn, gnu::cold, gnu::noinline]] TARNHYLBASALLOC_LOCAL static void
   RequestTooLarge(unsigned int bytes) {
     std::fprintf(stderr, "*** Error: a region pool cannot hold a request of %u bytes.\n", bytes);
+    std::fflush(stderr);
     std::abort();
   }
 
+  TARNHYLBASALLOC_LOCAL void AddSlab();
+  TARNHYLBASALLOC_LOCAL void GrowTable();
+
   char** m_blocks;             // start of each block
   unsigned int m_currentBlock; // index of the current block
-  unsigned int m_used;         // bytes handed out from the current block
-  unsigned int m_blockCount;   // entries of m_blocks in use
-  unsigned int m_blockRoom;    // entries that m_blocks has room for
-  char** m_slabs;              // the larger pieces that blocks are carved from
-  unsigned int m_slabCount;
+  unsigned int m_used;       // bytes handed out from the current block; at its end in an empty pool
+  unsigned int m_blockCount; // entries of m_blocks in use
+  unsigned int m_blockRoom;  // entries that m_blocks has room for
   int m_poolNumber;
   char const* m_poolName;
   HYLBasMemCacheManager* m_cacheManager;

@@ -5,18 +5,25 @@
 
 namespace hylbas_detail {
 
-void ReportExhaustion(unsigned int size) {
+namespace {
+
+[[noreturn]] void ReportExhaustion(unsigned int size) {
   std::fprintf(stderr, "*** Error: out of memory (%u bytes requested).\n", size);
   std::fflush(stderr);
   std::abort();
 }
 
-void HandleExhaustion(unsigned int size) {
-  std::new_handler const handler = std::get_new_handler();
-  if (handler == nullptr) ReportExhaustion(size);
-  handler();
-  // No handler can help here, and one that frees what it has on each call would be called for ever.
-  if (size == unsatisfiable) ReportExhaustion(size);
+} // namespace
+
+void* AllocateHandled(unsigned int size, unsigned int header) {
+  for (;;) {
+    if (void* const block = TryAllocate(size, header)) return block;
+    std::new_handler const handler = std::get_new_handler();
+    if (handler == nullptr) ReportExhaustion(size);
+    handler();
+    // A handler that always finds something to free would be called for ever.
+    if (IsHopeless(size, header)) ReportExhaustion(size);
+  }
 }
 
 } // namespace hylbas_detail

@@ -1,7 +1,8 @@
 /// \file
-/// What the memory library does when memory runs out.
+/// The one way from the memory library to the runtime heap, and what happens when it is exhausted.
 #pragma once
 
+#include <cstddef>
 #include <cstdlib>
 
 namespace hylbas_detail {
@@ -9,17 +10,21 @@ namespace hylbas_detail {
 /// The size that callers pass for a product that does not fit 32 bits: never satisfied.
 inline constexpr unsigned int unsatisfiable = 4294967295u;
 
-/// `size` bytes from the runtime heap, or null.
-inline void* TryAllocate(unsigned int size) {
-  return size == unsatisfiable ? nullptr : std::malloc(size != 0 ? size : 1);
+/// Whether no amount of free memory satisfies a request of `size` bytes behind a header of `header`
+/// bytes.
+inline constexpr bool IsHopeless(unsigned int size, unsigned int header) {
+  return size == unsatisfiable || static_cast<std::size_t>(size) + header < size;
 }
 
-/// Reports that `size` bytes are not to be had, and ends the process.
-[[noreturn]] void ReportExhaustion(unsigned int size);
+/// `header` plus `size` bytes from the runtime heap, or null.
+inline void* TryAllocate(unsigned int size, unsigned int header = 0) {
+  std::size_t const bytes = static_cast<std::size_t>(size) + header;
+  return IsHopeless(size, header) ? nullptr : std::malloc(bytes != 0 ? bytes : 1);
+}
 
-/// Gives the installed new handler a chance to find memory for a request of `size` bytes. Returns
-/// when the request is worth another try, and ends the process with a report when it is not.
-/// A handler that throws leaves through here.
-void HandleExhaustion(unsigned int size);
+/// The same, never null: while memory is exhausted, calls the installed new handler and tries
+/// again; without a handler, or when no handler can help, reports on the standard error stream and
+/// ends the process. What a handler throws leaves through here.
+void* AllocateHandled(unsigned int size, unsigned int header = 0);
 
 } // namespace hylbas_detail

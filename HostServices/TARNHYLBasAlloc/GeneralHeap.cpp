@@ -3,12 +3,7 @@
 #include "Exhaustion.h"
 #include "TARNHYLBasAlloc.h"
 
-void* mem_Malloc_Handled(unsigned int size) {
-  for (;;) {
-    if (void* const block = hylbas_detail::TryAllocate(size)) return block;
-    hylbas_detail::HandleExhaustion(size);
-  }
-}
+void* mem_Malloc_Handled(unsigned int size) { return hylbas_detail::AllocateHandled(size); }
 
 void* mem_Malloc(unsigned int size) { return hylbas_detail::TryAllocate(size); }
 
