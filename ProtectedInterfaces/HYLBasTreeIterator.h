@@ -8,7 +8,7 @@
 /// handed out. Holds nothing but its node; the end position is the tree's header. An iterator stays
 /// valid until its own element is erased.
 template <class T, class Reference, class Pointer>
-class HYLBasTreeIterator {
+class HYLBASGENERICS_EXPORT HYLBasTreeIterator {
 public:
   /// The position of `node`.
   HYLBasTreeIterator(HYLBasTreeNodeGeneric* node) : m_node(node) {}

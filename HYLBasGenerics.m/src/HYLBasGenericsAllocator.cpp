@@ -1,0 +1,5 @@
+#include "HYLBasGenericsAllocator.h"
+
+HYLBasGenericsAllocator::HYLBasGenericsAllocator() = default;
+
+HYLBasGenericsAllocator::~HYLBasGenericsAllocator() = default;

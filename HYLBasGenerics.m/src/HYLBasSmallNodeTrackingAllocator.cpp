@@ -1,0 +1,3 @@
+#include "HYLBasSmallNodeTrackingAllocator.h"
+
+constinit HYLBasMemPoolMap* HYLBasSmallNodeTrackingAllocator::m_pool = nullptr;

@@ -1,0 +1,12 @@
+/// \file
+/// An allocator policy that allocates nothing, for hosts' templates that ask for one.
+#pragma once
+
+#include "HYLBasExport.h"
+
+/// Holds no data and has no operations.
+class HYLBASGENERICS_EXPORT HYLBasGenericsAllocator {
+public:
+  HYLBasGenericsAllocator();
+  ~HYLBasGenericsAllocator();
+};

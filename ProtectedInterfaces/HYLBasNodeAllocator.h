@@ -1,0 +1,16 @@
+/// \file
+/// The trees' allocator policy: nodes straight from the memory library's general heap.
+#pragma once
+
+#include "HYLBasExport.h"
+
+/// Holds no data.
+class HYLBASGENERICS_EXPORT HYLBasNodeAllocator {
+public:
+  HYLBASGENERICS_EXPORT_INLINE HYLBasNodeAllocator() {}
+
+  /// `mem_Malloc_Handled(bytes)`: never null. A negative size counts as its value modulo 2^32.
+  static void* allocate(int bytes);
+  /// `mem_Free(p)`; the size is not used.
+  static void deallocate(void* p, int bytes);
+};

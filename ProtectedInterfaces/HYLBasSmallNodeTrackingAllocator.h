@@ -1,0 +1,13 @@
+/// \file
+/// A pool handle for hosts that track small nodes apart from the others.
+#pragma once
+
+#include "HYLBasExport.h"
+
+class HYLBasMemPoolMap;
+
+/// Nothing but the handle, which the library never sets or reads.
+class HYLBASGENERICS_EXPORT HYLBasSmallNodeTrackingAllocator {
+public:
+  static HYLBasMemPoolMap* m_pool; ///< null until a host sets it
+};

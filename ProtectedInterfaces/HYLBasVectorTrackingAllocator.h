@@ -1,0 +1,46 @@
+/// \file
+/// The vectors' tracking allocator policy: blocks from the memory library's process-wide vector
+/// pool, which keeps usage statistics.
+#pragma once
+
+#include "HYLBasExport.h"
+
+class HYLBasMemPoolVector;
+
+/// Holds no data of its own; all objects share the pool. Everything but `Initialize` and `Verify`
+/// needs the pool to be set, which loading the library does; unchecked. Constant time on top of the
+/// pool's.
+class HYLBASGENERICS_EXPORT HYLBasVectorTrackingAllocator {
+public:
+  HYLBASGENERICS_EXPORT_INLINE HYLBasVectorTrackingAllocator() {}
+  HYLBASGENERICS_EXPORT_INLINE ~HYLBasVectorTrackingAllocator() {}
+
+  /// \name Start and stop
+  /// A failure is written to the standard error stream as "*** Error: %s.\n", and its text is
+  /// thrown as `char const*`.
+  /// @{
+
+  /// Fetches the process-wide pool and activates it. Fails when the memory library has none.
+  static void Initialize();
+  /// Fails when the pool was never set. Users of the policy call it first.
+  static void Verify();
+  /// Does nothing: the pool stays usable.
+  static void Finalize();
+  /// @}
+
+  /// `bytes` bytes from the pool: never null.
+  void* allocate(unsigned int bytes) const;
+  /// Gives a block back to the pool; the size is not used.
+  void deallocate(void* p) const;
+  void deallocate(void* p, unsigned int bytes) const;
+
+  /// \name The pool's statistics, in bytes, and identity
+  /// @{
+  unsigned int MemoryCurrent() const;
+  unsigned int MemoryPeak() const;
+  int PoolID() const;
+  char* PoolName() const;
+  /// @}
+
+  static HYLBasMemPoolVector* m_pool; ///< null until `Initialize`
+};
