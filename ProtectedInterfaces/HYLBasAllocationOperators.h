@@ -47,8 +47,8 @@ HYLBASGENERICS_EXPORT_INLINE inline void operator delete(void* /*block*/, void* 
 /// Base of classes whose objects come from the memory library; empty.
 class HYLBASGENERICS_EXPORT mem_AllocationOperators {
 public:
-  /// `mem_OperatorNewThrow(size)`; `size` is in bytes, and one that does not fit 32 bits asks for
-  /// 4294967295. Throws `std::bad_alloc` on exhaustion.
+  /// `mem_OperatorNewThrow(size)`; `size` is in bytes, and one that does not fit 32 bits asks
+  /// for 4294967295. Throws `std::bad_alloc` on exhaustion.
   static void* operator new(std::size_t size);
   /// `mem_Free(p)`; null is ignored.
   static void operator delete(void* p);

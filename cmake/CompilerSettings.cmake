@@ -1,0 +1,54 @@
+# How everything in this tree is compiled. Directory settings, so a project that embeds this one
+# keeps its own.
+include(CheckCXXCompilerFlag)
+include(CheckCXXSourceCompiles)
+
+set(CMAKE_CXX_STANDARD 20)
+set(CMAKE_CXX_STANDARD_REQUIRED ON)
+set(CMAKE_CXX_EXTENSIONS OFF)
+set(CMAKE_CXX_VISIBILITY_PRESET hidden)
+set(CMAKE_VISIBILITY_INLINES_HIDDEN ON)
+set(CMAKE_POSITION_INDEPENDENT_CODE ON)
+
+if(PROJECT_IS_TOP_LEVEL)
+  set(CMAKE_EXPORT_COMPILE_COMMANDS ON)
+  if(NOT CMAKE_BUILD_TYPE AND NOT CMAKE_CONFIGURATION_TYPES)
+    set(CMAKE_BUILD_TYPE Release CACHE STRING "Debug, Release, RelWithDebInfo or MinSizeRel" FORCE)
+  endif()
+  find_program(HYLBAS_CCACHE ccache)
+  mark_as_advanced(HYLBAS_CCACHE)
+  if(HYLBAS_CCACHE AND NOT CMAKE_CXX_COMPILER_LAUNCHER)
+    set(CMAKE_CXX_COMPILER_LAUNCHER ${HYLBAS_CCACHE})
+  endif()
+endif()
+
+add_compile_options(-Wall -Wextra -Wpedantic -Wshadow -Wconversion -Wno-sign-conversion)
+set(CMAKE_COMPILE_WARNING_AS_ERROR ${HYLBAS_WARNINGS_AS_ERRORS})
+
+# Norms have the same bits on every platform: each step of a computation is rounded to IEEE double.
+# Fused multiply-adds skip a rounding; the x87 unit of 32-bit x86 rounds to another precision.
+add_compile_options(-ffp-contract=off)
+check_cxx_source_compiles("
+  #if !defined(__i386__)
+  #error not this one
+  #endif
+  int main() { return 0; }" HYLBAS_TARGET_IS_32BIT_X86)
+if(HYLBAS_TARGET_IS_32BIT_X86)
+  add_compile_options(-msse2 -mfpmath=sse)
+endif()
+
+# What a host may put its own definitions in place of lives in the host libraries, always called
+# from another one, so within one library g++ may bind and inline calls as clang does by itself.
+if(CMAKE_CXX_COMPILER_ID STREQUAL "GNU")
+  check_cxx_compiler_flag(-fno-semantic-interposition HYLBAS_HAVE_NO_SEMANTIC_INTERPOSITION)
+  if(HYLBAS_HAVE_NO_SEMANTIC_INTERPOSITION)
+    add_compile_options(-fno-semantic-interposition)
+  endif()
+endif()
+
+# A shared library names everything that it needs. clang's sanitizer runtimes are the exception:
+# they are linked into the program alone.
+if(CMAKE_SYSTEM_NAME STREQUAL "Linux"
+   AND NOT (CMAKE_CXX_COMPILER_ID MATCHES "Clang" AND CMAKE_CXX_FLAGS MATCHES "-fsanitize"))
+  add_link_options($<$<STREQUAL:$<TARGET_PROPERTY:TYPE>,SHARED_LIBRARY>:LINKER:--no-undefined>)
+endif()

@@ -1,0 +1,54 @@
+# What a host's build needs to find and link the library: the three shared libraries, all public
+# headers, a CMake package and a pkg-config file. The installed tree may be moved as a whole.
+include(GNUInstallDirs)
+include(CMakePackageConfigHelpers)
+
+set(hylbasHeaders ${CMAKE_INSTALL_INCLUDEDIR}/TARNHYLBasGenericsLib)
+set(hylbasPackage ${CMAKE_INSTALL_LIBDIR}/cmake/TARNHYLBasGenericsLib)
+set(hylbasPkgConfig ${CMAKE_INSTALL_LIBDIR}/pkgconfig)
+
+install(TARGETS TARNHYLBasGenericsLib TARNHYLBasAlloc LUXCORE
+  EXPORT TARNHYLBasGenericsLibTargets
+  RUNTIME DESTINATION ${CMAKE_INSTALL_BINDIR}
+  LIBRARY DESTINATION ${CMAKE_INSTALL_LIBDIR}
+  ARCHIVE DESTINATION ${CMAKE_INSTALL_LIBDIR}
+  INCLUDES DESTINATION ${hylbasHeaders})
+
+# The libraries find each other wherever they lie together.
+set_target_properties(TARNHYLBasGenericsLib TARNHYLBasAlloc LUXCORE PROPERTIES
+  INSTALL_RPATH "$ORIGIN")
+
+install(DIRECTORY ${PROJECT_SOURCE_DIR}/ProtectedInterfaces/ ${PROJECT_SOURCE_DIR}/HostInterfaces/
+  DESTINATION ${hylbasHeaders}
+  FILES_MATCHING PATTERN "*.h")
+
+install(EXPORT TARNHYLBasGenericsLibTargets
+  NAMESPACE TARNHYLBas::
+  DESTINATION ${hylbasPackage})
+configure_package_config_file(
+  ${PROJECT_SOURCE_DIR}/cmake/TARNHYLBasGenericsLibConfig.cmake.in
+  ${PROJECT_BINARY_DIR}/TARNHYLBasGenericsLibConfig.cmake
+  INSTALL_DESTINATION ${hylbasPackage})
+write_basic_package_version_file(
+  ${PROJECT_BINARY_DIR}/TARNHYLBasGenericsLibConfigVersion.cmake
+  COMPATIBILITY SameMajorVersion)
+install(FILES
+  ${PROJECT_BINARY_DIR}/TARNHYLBasGenericsLibConfig.cmake
+  ${PROJECT_BINARY_DIR}/TARNHYLBasGenericsLibConfigVersion.cmake
+  DESTINATION ${hylbasPackage})
+
+# The pkg-config file says where the prefix is, seen from itself, unless the directories were
+# given as absolute paths.
+set(hylbasPkgConfigFull ${CMAKE_INSTALL_FULL_LIBDIR}/pkgconfig)
+file(RELATIVE_PATH hylbasPrefix ${hylbasPkgConfigFull} ${CMAKE_INSTALL_PREFIX})
+string(REGEX REPLACE "/$" "" hylbasPrefix "\${pcfiledir}/${hylbasPrefix}")
+foreach(kind INCLUDEDIR LIBDIR)
+  if(IS_ABSOLUTE ${CMAKE_INSTALL_${kind}})
+    set(hylbasPkgConfig_${kind} ${CMAKE_INSTALL_${kind}})
+  else()
+    set(hylbasPkgConfig_${kind} "\${prefix}/${CMAKE_INSTALL_${kind}}")
+  endif()
+endforeach()
+configure_file(${PROJECT_SOURCE_DIR}/cmake/TARNHYLBasGenericsLib.pc.in
+  ${PROJECT_BINARY_DIR}/TARNHYLBasGenericsLib.pc @ONLY)
+install(FILES ${PROJECT_BINARY_DIR}/TARNHYLBasGenericsLib.pc DESTINATION ${hylbasPkgConfig})

@@ -1,0 +1,45 @@
+// What a host's own code does first: includes everything, fills a vector, sends a type-erased one
+// through policies of the library, and hands back to the system what it took.
+#include <cstdio>
+
+#include "HYLBasGenerics.h"
+#include "LUXCORE.h"
+#include "TARNHYLBasAlloc.h"
+
+namespace {
+
+bool Check(bool holds, char const* what) {
+  if (!holds) std::fprintf(stderr, "consumer: %s\n", what);
+  return holds;
+}
+
+bool FillsATypedVector() {
+  HYLBasVector<int> squares;
+  for (int i = 0; i != 100; ++i)
+    squares.push_back(i * i);
+  squares.erase(squares.begin());
+  return Check(squares.size() == 99 && squares.front() == 1 && squares[98] == 9801,
+               "a typed vector lost its elements");
+}
+
+bool DrivesTheCoreWithAPolicy() {
+  double const half = 0.5;
+  HYLBasVectorGeneric halves(HYLBasGetReplicator<double>(), 3, &half);
+  return Check(halves.Size() == 3 && static_cast<double const*>(halves.Begin())[2] == half,
+               "a type-erased vector lost its elements");
+}
+
+bool CallsTheHostsMemoryLibrary() {
+  void* const block = mem_Malloc(100);
+  mem_Free(block);
+  return Check(block != nullptr, "the memory library refused 100 bytes");
+}
+
+} // namespace
+
+int main() {
+  if (!FillsATypedVector() || !DrivesTheCoreWithAPolicy() || !CallsTheHostsMemoryLibrary())
+    return 1;
+  std::puts("consumer: all well");
+  return 0;
+}

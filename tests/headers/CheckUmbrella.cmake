@@ -1,0 +1,21 @@
+# Fails when the umbrella header misses a public header, or lists them out of order.
+set(umbrella HYLBasGenerics.h)
+file(GLOB expected RELATIVE ${folder} ${folder}/*.h)
+list(REMOVE_ITEM expected ${umbrella})
+list(SORT expected)
+
+file(STRINGS ${folder}/${umbrella} lines REGEX "^#include \"")
+set(included)
+foreach(line IN LISTS lines)
+  string(REGEX REPLACE "^#include \"(.*)\".*" "\\1" header "${line}")
+  list(APPEND included ${header})
+endforeach()
+
+list(LENGTH expected count)
+if(count LESS 10)
+  message(FATAL_ERROR "Only ${count} public headers found in ${folder}: looking in the wrong place?")
+endif()
+if(NOT included STREQUAL expected)
+  list(JOIN expected "\"\n#include \"" wanted)
+  message(FATAL_ERROR "${umbrella} should include exactly:\n#include \"${wanted}\"")
+endif()
