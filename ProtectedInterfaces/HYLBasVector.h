@@ -11,6 +11,7 @@
 /// of them are invalid; otherwise those before the changed element stay valid.
 #pragma once
 
+#include <algorithm>
 #include <cstdlib>
 #include <limits>
 #include <type_traits>
@@ -22,6 +23,45 @@
 #include "HYLBasReplicator.h"
 #include "HYLBasVectorAllocator.h"
 #include "HYLBasVectorGeneric.h"
+
+namespace hylbas_detail {
+/// Rare operations of the core, on copies of a vector's pointers: a vector whose address never
+/// leaves the caller's loop can be kept in registers there.
+class VectorLoan {
+public:
+  struct Block {
+    char* first;
+    char* endOfStorage;
+  };
+
+  /// Appends to a full vector; returns the new block, which holds one element more.
+  template <class T>
+  [[gnu::noinline]] static Block PushBack(char* first, char* last, T value) {
+    Loan loan(HYLBasGetReplicator<T>(), first, last);
+    loan.m_core.PushBack(&value);
+    return {loan.m_core.m_first, loan.m_core.m_endOfStorage};
+  }
+
+  /// Reports an index that is out of range.
+  template <class T>
+  [[noreturn, gnu::cold, gnu::noinline]] static void FailRangeCheck(char* first, char* last,
+                                                                    unsigned int i) {
+    Loan(HYLBasGetReplicator<T>(), first, last).m_core.RangeCheck(i);
+    std::abort();
+  }
+
+private:
+  // A core that owns nothing: the block goes back to the vector.
+  union Loan {
+    Loan(HYLBasReplicatorGeneric const& replicator, char* first, char* last) : m_core(replicator) {
+      m_core.m_first = first;
+      m_core.m_last = m_core.m_endOfStorage = last;
+    }
+    ~Loan() {}
+    HYLBasVectorGeneric m_core;
+  };
+};
+} // namespace hylbas_detail
 
 template <class T>
 class HYLBASGENERICS_EXPORT HYLBasVector : public mem_AllocationOperators {
@@ -113,10 +153,16 @@ public:
       if (m_data.m_last != m_data.m_endOfStorage) {
         *end() = value;
         m_data.m_last += sizeof(T);
-        return;
+      } else {
+        auto const grown =
+            hylbas_detail::VectorLoan::PushBack<T>(m_data.m_first, m_data.m_last, value);
+        m_data.m_last = grown.first + (m_data.m_last - m_data.m_first) + sizeof(T);
+        m_data.m_first = grown.first;
+        m_data.m_endOfStorage = grown.endOfStorage;
       }
+    } else {
+      m_data.PushBack(&value);
     }
-    m_data.PushBack(&value);
   }
   /// Appends a zero element.
   void push_back() { push_back(T()); }
@@ -153,7 +199,13 @@ public:
   /// Removes [`first`, `last`) and returns `first`, which must not lie after `last`, unchecked.
   /// The process ends without a message where the range leaves the vector.
   T* erase(T* first, T* last) { return fromGeneric(m_data.Erase(first, last)); }
-  void clear() { m_data.Clear(); }
+  void clear() {
+    if constexpr (std::is_arithmetic_v<T>) {
+      m_data.m_last = m_data.m_first;
+    } else {
+      m_data.Clear();
+    }
+  }
   /// @}
 
   /// \name Whole contents
@@ -165,7 +217,16 @@ public:
   /// Removes the elements from `n` on, or appends zero elements up to `n`.
   void resize(unsigned int n) { resize(n, T()); }
   /// Removes the elements from `n` on, or appends copies of `value` up to `n`.
-  void resize(unsigned int n, T const& value) { m_data.Resize(n, &value); }
+  void resize(unsigned int n, T const& value) {
+    if constexpr (std::is_arithmetic_v<T>) {
+      if (n <= capacity()) {
+        std::fill(end(), std::max(end(), begin() + n), T(value));
+        m_data.m_last = toGeneric(begin() + n);
+        return;
+      }
+    }
+    m_data.Resize(n, &value);
+  }
   /// Makes room for `n` elements in all; the new capacity is exactly `n` when it grows.
   void reserve(unsigned int n) { m_data.Reserve(n); }
   /// Exchanges the blocks of the two vectors in constant time.
@@ -174,9 +235,7 @@ public:
 
 protected:
   void range_check(unsigned int i) const {
-    if (i < size()) return;
-    m_data.RangeCheck(i);
-    std::abort(); // not reached; tells the compiler that a failed check does not carry on
+    if (i >= size()) hylbas_detail::VectorLoan::FailRangeCheck<T>(m_data.m_first, m_data.m_last, i);
   }
 
   /// The vector as its core, which lies at its own address.

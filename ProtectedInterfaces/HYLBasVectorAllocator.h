@@ -3,6 +3,7 @@
 #pragma once
 
 #include "HYLBasExport.h"
+#include "TARNHYLBasAlloc.h"
 
 /// Holds no data.
 class HYLBASGENERICS_EXPORT HYLBasVectorAllocator {
@@ -10,7 +11,11 @@ public:
   HYLBASGENERICS_EXPORT_INLINE HYLBasVectorAllocator() {}
 
   /// `mem_Malloc_Handled(bytes)`: never null.
-  static void* allocate(unsigned int bytes);
+  HYLBASGENERICS_EXPORT_INLINE static void* allocate(unsigned int bytes) {
+    return mem_Malloc_Handled(bytes);
+  }
   /// `mem_Free(p)`; the size is not used.
-  static void deallocate(void* p, unsigned int bytes);
+  HYLBASGENERICS_EXPORT_INLINE static void deallocate(void* p, unsigned int /*bytes*/) {
+    mem_Free(p);
+  }
 };

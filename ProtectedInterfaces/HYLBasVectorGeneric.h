@@ -32,7 +32,17 @@ class HYLBasVector;
 namespace hylbas_detail {
 template <class V>
 class VectorAlgorithms;
+class VectorLoan;
+
+/// Ends the life of the elements of [`first`, `last`), in one call also when there are none, and
+/// then of the block.
+template <class Replicator>
+void ReleaseBlock(Replicator const& replicator, char* first, char* last) {
+  if (replicator.m_destroy != nullptr)
+    replicator.m_destroy(first, static_cast<unsigned int>((last - first) / replicator.m_size));
+  if (first != nullptr) HYLBasVectorAllocator::deallocate(first, 0);
 }
+} // namespace hylbas_detail
 
 class HYLBASGENERICS_EXPORT HYLBasVectorGeneric {
 public:
@@ -44,7 +54,9 @@ public:
   HYLBasVectorGeneric(HYLBasReplicatorGeneric const& replicator, unsigned int n, void const* value);
   HYLBasVectorGeneric(HYLBasVectorGeneric const& other);
   /// Destroys the elements in one call, also when there are none, and releases the block.
-  ~HYLBasVectorGeneric();
+  HYLBASGENERICS_EXPORT_INLINE ~HYLBasVectorGeneric() {
+    hylbas_detail::ReleaseBlock(m_replicator, m_first, m_last);
+  }
   /// Replaces the contents by copies of `other`'s, in a new block of exactly that many elements;
   /// the replicator stays. Both vectors must hold the same element type, unchecked.
   HYLBasVectorGeneric& operator=(HYLBasVectorGeneric const& other);
@@ -141,6 +153,7 @@ private:
   template <class T>
   friend class HYLBasVector;
   friend class hylbas_detail::VectorAlgorithms<HYLBasVectorGeneric>;
+  friend class hylbas_detail::VectorLoan;
 
   // An empty vector; for the typed vectors.
   HYLBASGENERICS_LOCAL explicit HYLBasVectorGeneric(HYLBasReplicatorGeneric const& replicator)

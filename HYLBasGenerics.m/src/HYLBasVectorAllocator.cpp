@@ -1,7 +1,1 @@
-#include "HYLBasVectorAllocator.h"
-
-#include "TARNHYLBasAlloc.h"
-
-void* HYLBasVectorAllocator::allocate(unsigned int bytes) { return mem_Malloc_Handled(bytes); }
-
-void HYLBasVectorAllocator::deallocate(void* p, unsigned int /*bytes*/) { mem_Free(p); }
+#include "HYLBasVectorAllocator.h" // the policy is inline; this file holds the library's copies

@@ -19,8 +19,6 @@ HYLBasVectorGeneric::HYLBasVectorGeneric(HYLBasVectorGeneric const& other)
   Init(other);
 }
 
-HYLBasVectorGeneric::~HYLBasVectorGeneric() { Algorithms::Release(*this); }
-
 HYLBasVectorGeneric& HYLBasVectorGeneric::operator=(HYLBasVectorGeneric const& other) {
   HYLBasVectorGeneric copy(other); // also for self-assignment, which must not lose the source
   swap(copy);

@@ -7,16 +7,23 @@
 
 namespace hylbas_detail {
 
-template <class T>
-bool CopiesAs(HYLBasReplicatorGeneric const& replicator) {
-  return replicator.m_copy == HYLBasPODCopy<T> && replicator.m_size == static_cast<int>(sizeof(T));
-}
-
 /// Whether elements are copied by the library's own function for exactly their size.
 inline bool IsPlainData(HYLBasReplicatorGeneric const& replicator) {
-#define HYLBAS_OR_COPIES_AS(T) || CopiesAs<T>(replicator)
-  return false HYLBAS_FOR_EACH_PLAIN_TYPE(HYLBAS_OR_COPIES_AS);
+  switch (replicator.m_size) {
+#define HYLBAS_OR_COPIES_AS(T)                                                                     \
+  || (sizeof(T) == elementSize && replicator.m_copy == HYLBasPODCopy<T>)
+  case 4: {
+    constexpr std::size_t elementSize = 4;
+    return false HYLBAS_FOR_EACH_PLAIN_TYPE(HYLBAS_OR_COPIES_AS);
+  }
+  case 8: {
+    constexpr std::size_t elementSize = 8;
+    return false HYLBAS_FOR_EACH_PLAIN_TYPE(HYLBAS_OR_COPIES_AS);
+  }
 #undef HYLBAS_OR_COPIES_AS
+  default:
+    return false;
+  }
 }
 
 } // namespace hylbas_detail

@@ -12,6 +12,8 @@
 #include <cstdlib>
 #include <cstring>
 
+#include "HYLBasVectorGeneric.h"
+
 namespace hylbas_detail {
 
 /// Writes the `Word` at `value` into every slot of [`first`, `last`).
@@ -30,7 +32,15 @@ public:
   /// \name Sizes
   /// @{
   static unsigned int Count(V const& v, void const* from, void const* to) {
-    return static_cast<unsigned int>(Bytes(from, to) / v.m_replicator.m_size);
+    std::ptrdiff_t const bytes = Bytes(from, to);
+    switch (v.m_replicator.m_size) { // a division by a run-time value costs more than all the rest
+    case 4:
+      return static_cast<unsigned int>(bytes / 4);
+    case 8:
+      return static_cast<unsigned int>(bytes / 8);
+    default:
+      return static_cast<unsigned int>(bytes / v.m_replicator.m_size);
+    }
   }
   static unsigned int Size(V const& v) { return Count(v, v.m_first, v.m_last); }
   static unsigned int Capacity(V const& v) { return Count(v, v.m_first, v.m_endOfStorage); }
@@ -60,15 +70,9 @@ public:
     if (v.m_replicator.m_destroy != nullptr) v.m_replicator.m_destroy(p, n);
   }
 
-  /// Ends the life of all elements and of the block.
-  static void Release(V& v) {
-    Destroy(v, v.m_first, Size(v));
-    Deallocate(v, v.m_first, 0);
-  }
-
   /// Replaces the block by one of `capacity` elements whose elements end at `last`.
   static void ReplaceBlock(V& v, char* block, char* last, std::uint64_t capacity) {
-    Release(v);
+    ReleaseBlock(v.m_replicator, v.m_first, v.m_last);
     v.m_first = block;
     v.m_last = last;
     v.m_endOfStorage = block + capacity * Step(v);
