@@ -468,13 +468,26 @@ TEST_F(TextFile, ValuesComeBack) {
   ComesBack(std::vector<double>(), File("none"));
 }
 
+bool SetDecimalComma() {
+  for (char const* name : {"de_DE.UTF-8", "de_DE", "fr_FR.UTF-8", "fr_FR", "German_Germany.1252"})
+    if (std::setlocale(LC_NUMERIC, name) != nullptr) break;
+  return std::strcmp(std::localeconv()->decimal_point, ",") == 0;
+}
+
+// Compiles a locale with a decimal comma into the folder, where the system can do that.
+void MakeDecimalComma([[maybe_unused]] fs::path const& folder) {
+#if !defined(_WIN32)
+  fs::path const locale = folder / "de_DE.UTF-8";
+  if (std::system(("localedef -i de_DE -f UTF-8 '" + locale.string() + "'").c_str()) == 0)
+    setenv("LOCPATH", folder.c_str(), 1);
+#endif
+}
+
 // Numbers are what the C library's functions make of them under the process's locale.
 TEST_F(TextFile, FollowsTheLocale) {
   std::string const before = std::setlocale(LC_NUMERIC, nullptr);
-  for (char const* name : {"de_DE.UTF-8", "de_DE", "fr_FR.UTF-8", "fr_FR", "German_Germany.1252"})
-    if (std::setlocale(LC_NUMERIC, name) != nullptr) break;
-  if (std::strcmp(std::localeconv()->decimal_point, ",") != 0)
-    GTEST_SKIP() << "no locale with a decimal comma is installed";
+  if (!SetDecimalComma()) MakeDecimalComma(m_folder);
+  if (!SetDecimalComma()) GTEST_SKIP() << "no locale with a decimal comma can be had";
   std::string const written = Written(VectorOf<double>({3.25, -1234.5}), nullptr, nullptr);
   HYLBasVector<double> own, others;
   own.Read(File("written").c_str());
