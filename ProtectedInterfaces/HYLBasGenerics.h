@@ -21,4 +21,5 @@
 #include "HYLBasVector.h"
 #include "HYLBasVectorAllocator.h"
 #include "HYLBasVectorGeneric.h"
+#include "HYLBasVectorTextFile.h"
 #include "HYLBasVectorTrackingAllocator.h"

@@ -25,6 +25,7 @@
 #include "HYLBasVectorGeneric.h"
 
 namespace hylbas_detail {
+
 /// Rare operations of the core, on copies of a vector's pointers: a vector whose address never
 /// leaves the caller's loop can be kept in registers there.
 class VectorLoan {
@@ -61,6 +62,23 @@ private:
     HYLBasVectorGeneric m_core;
   };
 };
+
+// The element type as the banner of a text file names it.
+template <class T>
+inline constexpr char const* elementTypeName = nullptr;
+template <>
+inline constexpr char const* elementTypeName<int> = "int";
+template <>
+inline constexpr char const* elementTypeName<unsigned int> = "unsigned int";
+template <>
+inline constexpr char const* elementTypeName<float> = "float";
+template <>
+inline constexpr char const* elementTypeName<double> = "double";
+template <>
+inline constexpr char const* elementTypeName<long long> = "__int64";
+template <>
+inline constexpr char const* elementTypeName<unsigned long long> = "unsigned __int64";
+
 } // namespace hylbas_detail
 
 template <class T>
@@ -231,6 +249,19 @@ public:
   void reserve(unsigned int n) { m_data.Reserve(n); }
   /// Exchanges the blocks of the two vectors in constant time.
   void swap(HYLBasVector& other) { m_data.swap(other.m_data); }
+  /// @}
+
+  /// \name Text files
+  /// Linear; see `HYLBasVectorTextFile.h` for the format and for what is reported.
+  /// @{
+
+  /// Fills this vector, which must own no block (unchecked: a block would be lost), from the file.
+  void Read(char const* fileName) { m_data.Read(fileName); }
+  /// Writes the file with up to two comments, null for none. Only vectors of `int` and `double`
+  /// have their values written; a file of any other type ends after its size line.
+  void Write(char const* fileName, char const* comment1, char const* comment2) const {
+    m_data.Write(fileName, hylbas_detail::elementTypeName<T>, comment1, comment2);
+  }
   /// @}
 
 protected:

@@ -19,6 +19,7 @@ namespace hylbas_detail {
 /// Writes the `Word` at `value` into every slot of [`first`, `last`).
 template <class Word>
 void FillWords(char* first, char const* last, void const* value) {
+  if (first == last) return; // the value may be null then
   Word word;
   std::memcpy(&word, value, sizeof word);
   std::size_t const count = static_cast<std::size_t>(last - first) / sizeof word;

@@ -1,0 +1,501 @@
+// Vector text files: what is written, to the byte, and what becomes of every file under
+// data/text, sorted there by verdict:
+//   accepted   in the format: all announced values are read
+//   tolerated  something is off, yet a vector is read and nothing is reported
+//   refused    reported on the standard error stream; the vector stays empty
+// Beside NAME.mtx lies NAME.expect: lines that begin with '#' say why the file is there, every
+// other one is an expectation:
+//   TYPE block BYTES size N capacity N values V...   what HYLBasVector<TYPE> reads (a value may be
+//                                                    given as bits:HEX); BYTES 0 for no block
+//   stderr TEXT                                      the report; {file} is the file's name
+#include <bit>
+#include <cfloat>
+#include <climits>
+#include <clocale>
+#include <cmath>
+#include <cstdint>
+#include <cstdio>
+#include <cstring>
+#include <filesystem>
+#include <fstream>
+#include <iterator>
+#include <memory>
+#include <new>
+#include <random>
+#include <sstream>
+#include <string>
+#include <vector>
+
+#include <gtest/gtest.h>
+
+#include "HYLBasVectorTextFile.h"
+#include "WatchedMemory.h"
+
+namespace fs = std::filesystem;
+
+namespace {
+
+std::string Bytes(fs::path const& path) {
+  std::ifstream in(path, std::ios::binary);
+  return {std::istreambuf_iterator<char>(in), std::istreambuf_iterator<char>()};
+}
+
+// A folder for the files that a test writes; gone with the test.
+class TextFile : public testing::Test {
+protected:
+  void SetUp() override {
+    m_folder =
+        fs::path(testing::TempDir()) / ("hylbas-text-" + std::to_string(std::random_device()()));
+    fs::create_directory(m_folder);
+  }
+  void TearDown() override {
+    fs::remove_all(m_folder);
+    EXPECT_EQ(watched_memory::liveBlocks, 0);
+  }
+
+  std::string File(std::string const& name) const { return (m_folder / name).string(); }
+  std::string FileWith(std::string const& text) const {
+    std::ofstream(File("input"), std::ios::binary) << text;
+    return File("input");
+  }
+
+  template <class Vector>
+  std::string Written(Vector const& vector, char const* comment1, char const* comment2) const {
+    vector.Write(File("written").c_str(), comment1, comment2);
+    return Bytes(File("written"));
+  }
+
+  fs::path m_folder;
+};
+
+// The number that the system gives to the next opened file: one that stayed open raises it.
+int NextDescriptor() {
+  std::FILE* const file = std::fopen(__FILE__, "r");
+  if (file == nullptr) return -1;
+  int const descriptor = fileno(file);
+  std::fclose(file);
+  return descriptor;
+}
+
+// A block of more than half a 32-bit address space is make-believe there; so are its distances.
+bool IsReal(unsigned int bytes) { return sizeof(void*) == 8 || bytes <= unsigned{INT_MAX}; }
+
+// --- Writing
+
+template <class T>
+HYLBasVector<T> VectorOf(std::vector<T> const& values) {
+  return HYLBasVector<T>(values.data(), values.data() + values.size());
+}
+
+TEST_F(TextFile, WritesIntegersToTheByte) {
+  EXPECT_EQ(Written(VectorOf<int>({1, -2, 300}), "a", nullptr),
+            "%%MatrixMarket vector array integer\n% a\n3 1 3\n"
+            "         1\n        -2\n       300\n");
+  EXPECT_EQ(Written(VectorOf<int>({INT_MIN, INT_MAX, 0}), nullptr, "100% of %d %s"),
+            "%%MatrixMarket vector array integer\n% 100% of %d %s\n3 1 3\n"
+            "-2147483648\n2147483647\n         0\n");
+  EXPECT_EQ(Written(HYLBasVector<int>(), "", "two\nlines"),
+            "%%MatrixMarket vector array integer\n% \n% two\nlines\n0 1 0\n");
+}
+
+TEST_F(TextFile, WritesRealsToTheByte) {
+  EXPECT_EQ(Written(VectorOf<double>({3.25, 1.0e-7, 1500000, -0.0, 0.5e-6, 1.5e-6, 123.4567895}),
+                    "a", "b"),
+            "%%MatrixMarket vector array real\n% a\n% b\n7 1 7\n"
+            "  3.250000\n  0.000000\n1500000.000000\n -0.000000\n"
+            "  0.000000\n  0.000002\n123.456789\n");
+  EXPECT_EQ(Written(VectorOf<double>({INFINITY, -INFINITY, NAN}), nullptr, nullptr),
+            "%%MatrixMarket vector array real\n3 1 3\n       inf\n      -inf\n       nan\n");
+  EXPECT_EQ(Written(HYLBasVector<double>(), nullptr, nullptr),
+            "%%MatrixMarket vector array real\n0 1 0\n");
+  std::string const largest = Written(VectorOf<double>({-DBL_MAX}), nullptr, nullptr);
+  EXPECT_EQ(largest.substr(39, 20), "-1797693134862315708");
+  EXPECT_EQ(largest.size(), 39u + 1 + 309 + 7 + 1);
+}
+
+TEST_F(TextFile, WritesOtherTypesWithoutValues) {
+  auto const expect = [this](auto const& vector, std::string const& name) {
+    EXPECT_EQ(Written(vector, "c", nullptr),
+              "%%MatrixMarket vector array " + name + "\n% c\n2 1 2\n");
+  };
+  expect(HYLBasVector<unsigned int>(2), "unsigned int");
+  expect(HYLBasVector<float>(2), "float");
+  expect(HYLBasVector<long long>(2), "__int64");
+  expect(HYLBasVector<unsigned long long>(2), "unsigned __int64");
+}
+
+// The core goes by the name alone, whatever its elements are.
+TEST_F(TextFile, CoreWritesWhatTheNameSelects) {
+  int const halves[] = {7, -1, 8, 0};
+  HYLBasVectorGeneric wide(HYLBasReplicatorGeneric(8, HYLBasPODCopy<double>, nullptr), 0, nullptr);
+  wide.Init(halves, halves + 4);
+  auto const written = [&](char const* typeName) {
+    wide.Write(File("core").c_str(), typeName, nullptr, nullptr);
+    return Bytes(File("core"));
+  };
+  EXPECT_EQ(written("int"), "%%MatrixMarket vector array integer\n2 1 2\n"
+                            "         7\n        -1\n         8\n         0\n");
+  EXPECT_EQ(written("Int"), "%%MatrixMarket vector array Int\n2 1 2\n");
+  EXPECT_EQ(written("doubles"), "%%MatrixMarket vector array doubles\n2 1 2\n");
+  EXPECT_EQ(written(""), "%%MatrixMarket vector array \n2 1 2\n");
+
+  char const bytes[] = {1, 0, 0, 0, 2, 0, 0};
+  HYLBasVectorGeneric odd(HYLBasReplicatorGeneric(1, HYLBasPODCopy<char>, nullptr), 0, nullptr);
+  odd.Init(bytes, bytes + 7);
+  odd.Write(File("core").c_str(), "int", nullptr, nullptr);
+  EXPECT_EQ(Bytes(File("core")), "%%MatrixMarket vector array integer\n7 1 7\n         1\n");
+}
+
+TEST_F(TextFile, ReportsAFileThatCannotBeWritten) {
+  auto const report = [](std::string const& file) {
+    testing::internal::CaptureStderr();
+    HYLBasVectorWrite(HYLBasVector<int>(2), file.c_str(), nullptr, nullptr);
+    return testing::internal::GetCapturedStderr();
+  };
+  std::string const inNoFolder = File("missing/out.mtx");
+  EXPECT_EQ(report(inNoFolder), "*** Error: cannot open file " + inNoFolder +
+                                    " for writing: " + std::strerror(ENOENT) + "\n");
+  EXPECT_EQ(report(m_folder.string()), "*** Error: cannot open file " + m_folder.string() +
+                                           " for writing: " + std::strerror(EISDIR) + "\n");
+  if (fs::exists("/dev/full")) {
+    EXPECT_EQ(report("/dev/full"), ""); // only opening is checked
+  }
+}
+
+// --- Reading the files by verdict
+
+struct Expectation {
+  std::string type;
+  unsigned int block = 0, size = 0, capacity = 0;
+  std::vector<std::string> values = {};
+};
+
+struct Case {
+  std::string verdict;
+  fs::path file;
+  std::vector<Expectation> vectors;
+  std::string report;
+};
+
+std::string Unescaped(std::string const& text, std::string const& file) {
+  std::string result;
+  for (std::size_t i = 0; i < text.size(); ++i) {
+    if (text.compare(i, 6, "{file}") == 0) {
+      result += file;
+      i += 5;
+    } else if (text[i] != '\\') {
+      result += text[i];
+    } else if (char const c = text.at(++i); c == 'x') {
+      result += static_cast<char>(std::stoi(text.substr(i + 1, 2), nullptr, 16));
+      i += 2;
+    } else {
+      result += c == 'n' ? '\n' : c == 'r' ? '\r' : c;
+    }
+  }
+  return result;
+}
+
+Case ParseCase(std::string const& verdict, fs::path const& file) {
+  Case result{verdict, file, {}, {}};
+  std::ifstream in(fs::path(file).replace_extension(".expect"));
+  for (std::string line; std::getline(in, line);) {
+    if (line.empty() || line[0] == '#') continue;
+    std::istringstream words(line);
+    Expectation e;
+    std::string block, size, capacity, values;
+    words >> e.type;
+    if (e.type == "stderr") {
+      result.report = Unescaped(line.substr(7), file.string());
+    } else if (words >> block >> e.block >> size >> e.size >> capacity >> e.capacity >> values &&
+               block == "block" && size == "size" && capacity == "capacity" && values == "values") {
+      e.values.assign(std::istream_iterator<std::string>(words), {});
+      result.vectors.push_back(e);
+    } else {
+      ADD_FAILURE() << file << ": cannot understand the expectation: " << line;
+    }
+  }
+  return result;
+}
+
+std::vector<Case> CasesOf(std::string const& verdict) {
+  std::vector<Case> cases;
+  for (auto const& entry :
+       fs::directory_iterator(fs::path(HYLBAS_SOURCE_DIR) / "tests/data/text" / verdict))
+    if (entry.path().extension() == ".mtx") cases.push_back(ParseCase(verdict, entry.path()));
+  return cases;
+}
+
+template <class T>
+T ValueOf(std::string const& word) {
+  using Bits = std::conditional_t<sizeof(T) == 4, std::uint32_t, std::uint64_t>;
+  if (word.starts_with("bits:"))
+    return std::bit_cast<T>(static_cast<Bits>(std::stoull(word.substr(5), nullptr, 16)));
+  if constexpr (std::is_same_v<T, double>)
+    return std::strtod(word.c_str(), nullptr);
+  else if constexpr (std::is_same_v<T, float>)
+    return std::strtof(word.c_str(), nullptr);
+  else
+    return static_cast<T>(std::stoll(word));
+}
+
+template <class T>
+bool SameValue(T a, T b) {
+  if constexpr (std::is_floating_point_v<T>)
+    if (std::isnan(a) && std::isnan(b)) return true;
+  return std::memcmp(&a, &b, sizeof(T)) == 0;
+}
+
+template <class T>
+void ExpectContents(HYLBasVector<T> const& vector, Expectation const& expected) {
+  EXPECT_EQ(vector.size(), expected.size);
+  if (IsReal(expected.block)) {
+    EXPECT_EQ(vector.capacity(), expected.capacity);
+  }
+  ASSERT_EQ(vector.size(), expected.values.size());
+  for (unsigned int i = 0; i != vector.size(); ++i)
+    EXPECT_TRUE(SameValue(vector[i], ValueOf<T>(expected.values[i])))
+        << "value " << i << " is " << vector[i] << ", not " << expected.values[i];
+}
+
+// Reads the file into a vector of its own; then again while the host's memory library refuses the
+// block by an exception.
+template <class T>
+void ReadsAs(Case const& c, Expectation const& expected) {
+  SCOPED_TRACE(c.file.string() + " as " + expected.type);
+  int const descriptor = NextDescriptor();
+  {
+    watched_memory::lastBlock = nullptr;
+    watched_memory::lastRequest = 0;
+    testing::internal::CaptureStderr();
+    HYLBasVector<T> vector;
+    vector.Read(c.file.string().c_str());
+    EXPECT_EQ(testing::internal::GetCapturedStderr(), c.report);
+    EXPECT_EQ(watched_memory::lastRequest, expected.block);
+    EXPECT_EQ(vector.begin(), watched_memory::lastBlock);
+    ExpectContents(vector, expected);
+  }
+  EXPECT_EQ(watched_memory::liveBlocks, 0);
+  if (expected.block != 0) {
+    HYLBasVector<T> vector;
+    watched_memory::requestsServed = 0;
+    EXPECT_THROW(vector.Read(c.file.string().c_str()), std::bad_alloc);
+    watched_memory::requestsServed = -1;
+    EXPECT_TRUE(vector.begin() == nullptr && vector.end() == nullptr && vector.capacity() == 0);
+  }
+  EXPECT_EQ(NextDescriptor(), descriptor);
+}
+
+void Check(Case const& c) {
+  for (Expectation const& expected : c.vectors) {
+    if (expected.type == "int")
+      ReadsAs<int>(c, expected);
+    else if (expected.type == "unsigned")
+      ReadsAs<unsigned int>(c, expected);
+    else if (expected.type == "float")
+      ReadsAs<float>(c, expected);
+    else if (expected.type == "double")
+      ReadsAs<double>(c, expected);
+    else if (expected.type == "longlong")
+      ReadsAs<long long>(c, expected);
+    else if (expected.type == "ulonglong")
+      ReadsAs<unsigned long long>(c, expected);
+    else
+      ADD_FAILURE() << c.file << ": no type " << expected.type;
+  }
+}
+
+TEST_F(TextFile, AcceptsFilesInTheFormat) {
+  std::vector<Case> const cases = CasesOf("accepted");
+  ASSERT_GE(cases.size(), 10u);
+  for (Case const& c : cases) {
+    ASSERT_FALSE(c.vectors.empty()) << c.file;
+    EXPECT_EQ(c.report, "") << c.file;
+    for (Expectation const& expected : c.vectors)
+      EXPECT_EQ(expected.size, expected.capacity) << c.file;
+    Check(c);
+  }
+}
+
+TEST_F(TextFile, ToleratesWhatItCanSkip) {
+  std::vector<Case> const cases = CasesOf("tolerated");
+  ASSERT_GE(cases.size(), 30u);
+  for (Case const& c : cases) {
+    ASSERT_FALSE(c.vectors.empty()) << c.file;
+    EXPECT_EQ(c.report, "") << c.file;
+    Check(c);
+  }
+}
+
+TEST_F(TextFile, RefusesFilesWithoutASizeLine) {
+  std::vector<Case> const cases = CasesOf("refused");
+  ASSERT_GE(cases.size(), 10u);
+  for (Case const& c : cases) {
+    ASSERT_NE(c.report, "") << c.file;
+    ReadsAs<int>(c, Expectation{"int"});
+    ReadsAs<double>(c, Expectation{"double"});
+  }
+}
+
+TEST_F(TextFile, RefusesWhatIsNoFile) {
+  std::string const missing = File("missing.mtx");
+  std::string const noAccess = "*** Error: cannot open file " + missing + ": ";
+  ReadsAs<double>({"refused", missing, {}, noAccess + std::strerror(ENOENT) + "\n"}, {"double"});
+  // A directory opens and then yields no line.
+  ReadsAs<int>({"refused",
+                m_folder,
+                {},
+                "*** Error: dimensions line in file " + m_folder.string() + " is incorrect:\n    "},
+               {"int"});
+}
+
+// --- Reading beyond the typed vectors
+
+// Elements of any size: values lie one element apart, zeros follow a value shorter than its slot,
+// and no byte passes the end of the block.
+TEST_F(TextFile, CoreFillsSlotsOfAnySize) {
+  for (bool const real : {false, true})
+    for (unsigned int const elementSize : {1u, 2u, 3u, 4u, 5u, 7u, 8u, 9u, 12u, 16u, 100u})
+      for (unsigned int const count : {0u, 1u, 2u, 3u, 5u}) {
+        SCOPED_TRACE(testing::Message()
+                     << "real " << real << " size " << elementSize << " count " << count);
+        unsigned int const valueSize = real ? 8 : 4;
+        std::vector<unsigned char> block(count * elementSize, 0xEE);
+        std::string text = std::string("%%MatrixMarket vector array ") +
+                           (real ? "real" : "integer") + "\n0 0 " + std::to_string(count) + "\n";
+        unsigned int stored = 0;
+        for (int value = 70001; value != 70006; ++value) {
+          text += std::to_string(value) + "\n";
+          std::size_t const slot = stored * elementSize;
+          if (stored == count || slot + valueSize > block.size()) continue;
+          std::fill_n(block.begin() + slot, elementSize, static_cast<unsigned char>(0));
+          double const asReal = value;
+          std::memcpy(&block[slot], real ? static_cast<void const*>(&asReal) : &value, valueSize);
+          ++stored;
+        }
+        HYLBasVectorGeneric vector(HYLBasReplicatorGeneric(static_cast<int>(elementSize)), 0,
+                                   nullptr);
+        vector.Read(FileWith(text).c_str());
+        EXPECT_EQ(vector.Size(), stored);
+        EXPECT_EQ(vector.Capacity(), count);
+        std::size_t const filled =
+            stored == 0 ? 0
+                        : std::max((stored - 1) * elementSize + valueSize, stored * elementSize);
+        if (filled != 0) {
+          EXPECT_EQ(std::memcmp(vector.Begin(), block.data(), filled), 0);
+        }
+      }
+}
+
+// The block's size is cut to 32 bits; what is left may hold a part of an element at its end.
+TEST_F(TextFile, CapacityIsWhatTheBlockHolds) {
+  std::string const file = FileWith("%%MatrixMarket vector array integer\n0 0 -1\n1\n2\n");
+  for (unsigned int const elementSize : {3u, 12u, 100u, 4096u}) {
+    unsigned int const bytes = 0u - elementSize;
+    HYLBasVectorGeneric vector(HYLBasReplicatorGeneric(static_cast<int>(elementSize)), 0, nullptr);
+    vector.Read(file.c_str());
+    EXPECT_EQ(watched_memory::lastRequest, bytes);
+    EXPECT_EQ(vector.Size(), 2u);
+    if (IsReal(bytes)) {
+      EXPECT_EQ(vector.Capacity(), bytes / elementSize);
+    }
+  }
+  // 859 times 5000001 bytes leave 33563 over 2 to the power 32: less than one element.
+  watched_memory::lastRequest = 0;
+  HYLBasVectorGeneric none(HYLBasReplicatorGeneric(5000001), 0, nullptr);
+  none.Read(FileWith("0 0 859\n1\n").c_str());
+  EXPECT_EQ(watched_memory::lastRequest, 0u);
+  EXPECT_TRUE(none.Begin() == nullptr && none.End() == nullptr && none.Capacity() == 0);
+}
+
+// Whichever request fails, nothing is left behind.
+TEST_F(TextFile, ReadLeavesNothingBehindOnAnyFailedRequest) {
+  std::string const file = FileWith("%%MatrixMarket vector array integer\n2 1 2\n5\n6\n");
+  int const descriptor = NextDescriptor();
+  int failures = 0;
+  for (int served = 0;; ++served) {
+    watched_memory::requestsServed = served;
+    try {
+      std::unique_ptr<HYLBasVector<int>> const vector(HYLBasVectorRead<int>(file.c_str()));
+      watched_memory::requestsServed = -1;
+      ASSERT_EQ(vector->size(), 2u);
+      EXPECT_EQ(vector->back(), 6);
+      break;
+    } catch (std::bad_alloc const&) {
+      ++failures;
+      EXPECT_EQ(watched_memory::liveBlocks, 0);
+      EXPECT_EQ(NextDescriptor(), descriptor);
+    }
+  }
+  EXPECT_EQ(failures, 2); // the vector object and its block
+}
+
+TEST_F(TextFile, ReadGivesAnEmptyVectorWhenItFails) {
+  testing::internal::CaptureStderr();
+  std::unique_ptr<HYLBasVector<double>> const vector(
+      HYLBasVectorRead<double>(File("none").c_str()));
+  EXPECT_NE(testing::internal::GetCapturedStderr(), "");
+  EXPECT_TRUE(vector->empty() && vector->capacity() == 0);
+}
+
+// --- There and back
+
+template <class T>
+void ComesBack(std::vector<T> const& values, std::string const& file) {
+  HYLBasVectorWrite(VectorOf(values), file.c_str(), "first", "second");
+  std::unique_ptr<HYLBasVector<T>> const back(HYLBasVectorRead<T>(file.c_str()));
+  ASSERT_EQ(back->size(), values.size());
+  EXPECT_EQ(back->capacity(), values.size());
+  for (unsigned int i = 0; i != back->size(); ++i)
+    if constexpr (std::is_integral_v<T>) {
+      ASSERT_EQ((*back)[i], values[i]);
+    } else {
+      // Half a unit of the sixth digit, or of the last bit where that is coarser.
+      ASSERT_NEAR((*back)[i], values[i], 0.5e-6 + std::abs(values[i]) * DBL_EPSILON);
+    }
+}
+
+TEST_F(TextFile, ValuesComeBack) {
+  std::mt19937 random(20);
+  std::vector<int> integers;
+  std::vector<double> reals;
+  for (int i = 0; i != 5000; ++i) {
+    integers.push_back(static_cast<int>(random()));
+    reals.push_back(std::ldexp(static_cast<int>(random()), static_cast<int>(random() % 120) - 60));
+  }
+  ComesBack(integers, File("integers"));
+  ComesBack(reals, File("reals"));
+  ComesBack(std::vector<int>(), File("none"));
+  ComesBack(std::vector<double>(), File("none"));
+}
+
+bool SetDecimalComma() {
+  for (char const* name : {"de_DE.UTF-8", "de_DE", "fr_FR.UTF-8", "fr_FR", "German_Germany.1252"})
+    if (std::setlocale(LC_NUMERIC, name) != nullptr) break;
+  return std::strcmp(std::localeconv()->decimal_point, ",") == 0;
+}
+
+// Compiles a locale with a decimal comma into the folder, where the system can do that.
+void MakeDecimalComma([[maybe_unused]] fs::path const& folder) {
+#if !defined(_WIN32)
+  fs::path const locale = folder / "de_DE.UTF-8";
+  if (std::system(("localedef -i de_DE -f UTF-8 '" + locale.string() + "'").c_str()) == 0)
+    setenv("LOCPATH", folder.c_str(), 1);
+#endif
+}
+
+// Numbers are what the C library's functions make of them under the process's locale.
+TEST_F(TextFile, FollowsTheLocale) {
+  std::string const before = std::setlocale(LC_NUMERIC, nullptr);
+  if (!SetDecimalComma()) MakeDecimalComma(m_folder);
+  if (!SetDecimalComma()) GTEST_SKIP() << "no locale with a decimal comma can be had";
+  std::string const written = Written(VectorOf<double>({3.25, -1234.5}), nullptr, nullptr);
+  HYLBasVector<double> own, others;
+  own.Read(File("written").c_str());
+  others.Read(FileWith("1 1 1\n3.25\n").c_str());
+  std::setlocale(LC_NUMERIC, before.c_str());
+  EXPECT_EQ(written, "%%MatrixMarket vector array real\n2 1 2\n  3,250000\n-1234,500000\n");
+  EXPECT_TRUE(own.size() == 2 && own[0] == 3.25 && own[1] == -1234.5);
+  EXPECT_TRUE(others.size() == 1 && others[0] == 3.0); // the point ends the number
+}
+
+} // namespace
