@@ -176,7 +176,7 @@ private:
   }
   std::pair<void const*, Place> ValueOf(int i) {
     unsigned int const k = Below(m_models[i].size);
-    return {static_cast<char*>(m_vectors[i]->Begin()) + std::ptrdiff_t{k} * elementSize,
+    return {static_cast<char*>(m_vectors[i]->Begin()) + std::size_t{k} * elementSize,
             m_models[i].At(k)};
   }
 

@@ -42,7 +42,8 @@ public:
 
   void Fill(std::uint8_t const* data, std::size_t size) const {
     std::FILE* const file = std::fopen(Path(), "wb");
-    Require(file != nullptr && std::fwrite(data, 1, size, file) == size, "the input is written");
+    Require(file != nullptr, "the input file is opened");
+    Require(size == 0 || std::fwrite(data, 1, size, file) == size, "the input is written");
     std::fclose(file);
   }
 

@@ -30,9 +30,7 @@ public:
   unsigned int size = 0, capacity = 0;
   int block = -1;
 
-  Place At(unsigned int i) const {
-    return block < 0 ? Place{-1, 0} : Place{block, std::ptrdiff_t{s} * i};
-  }
+  Place At(unsigned int i) const { return block < 0 ? Place{-1, 0} : Later({block, 0}, i); }
   unsigned char const* Bytes() const { return m_memory.blocks.at(block).data(); }
 
   void InitCopies(unsigned int n, Place value) {
@@ -105,7 +103,7 @@ public:
         ShiftUp(k, n);
         Copy(first, At(k), n);
       } else {
-        Copy({first.block, first.offset + std::ptrdiff_t{t} * s}, At(size), n - t);
+        Copy(Later(first, t), At(size), n - t);
         Copy(At(k), At(size + n - t), t);
         size += n;
         Copy(first, At(k), t);
@@ -160,6 +158,10 @@ public:
   }
 
 private:
+  // The place `n` elements on.
+  Place Later(Place p, unsigned int n) const {
+    return {p.block, p.offset + static_cast<std::ptrdiff_t>(std::size_t{s} * n)};
+  }
   unsigned char* Bytes(Place p) { return m_memory.blocks.at(p.block).data() + p.offset; }
 
   int Allocate(unsigned int n) {
@@ -181,8 +183,7 @@ private:
   void Copy(Place from, Place to, unsigned int n) {
     m_memory.events.push_back({'C', from, to, n});
     for (unsigned int i = 0; i != n; ++i)
-      std::memmove(Bytes({to.block, to.offset + std::ptrdiff_t{s} * i}),
-                   Bytes({from.block, from.offset + std::ptrdiff_t{s} * i}), s);
+      std::memmove(Bytes(Later(to, i)), Bytes(Later(from, i)), s);
   }
   void Destroy(Place first, unsigned int n) {
     if (m_destroys) m_memory.events.push_back({'D', first, {-1, 0}, n});
@@ -194,7 +195,7 @@ private:
       return;
     }
     for (unsigned int i = 0; i != n; ++i)
-      Copy(value, {to.block, to.offset + std::ptrdiff_t{s} * i}, 1);
+      Copy(value, Later(to, i), 1);
   }
   void CopyBackward(unsigned int first, unsigned int last, unsigned int by) {
     while (last != first) {
