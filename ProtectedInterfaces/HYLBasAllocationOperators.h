@@ -17,7 +17,7 @@ enum mem_BuiltInAlloc { e_builtInAlloc };
 /// Selects the library's own placement form.
 enum HYLBasPlacement { e_placement };
 
-/// An array of a built-in type (`new (mem_BuiltInAlloc()) int[n]`) from the memory library:
+/// An array of a built-in type (`new (e_builtInAlloc) int[n]`) from the memory library:
 /// `mem_OperatorNewThrowBuiltin(size)`; `size` is in bytes. A size that does not fit 32 bits asks
 /// for 4294967295 bytes. Throws `std::bad_alloc` on exhaustion. Release the array with
 /// `mem_deleteBuiltIn`.

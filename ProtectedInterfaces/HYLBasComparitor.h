@@ -27,6 +27,7 @@ public:
 // Instantiated in the library, so that the function has one address in the process.
 extern template HYLBASGENERICS_EXPORT bool HYLBasStandardComparitor<int>(void const*, void const*,
                                                                          void const*);
+extern template class HYLBASGENERICS_EXPORT HYLBasComparitor<int>;
 
 /// Whether the zero-terminated byte strings at `a` and `b` differ in any byte. This is a test for
 /// difference, not an ordering: do not give it to a tree.

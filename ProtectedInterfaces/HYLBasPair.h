@@ -8,6 +8,7 @@
 #include <type_traits>
 
 #include "HYLBasExport.h"
+#include "HYLBasInstantiations.h"
 
 namespace hylbas_detail {
 /// Scalar fields are aligned to their own size on every platform, also where the platform's own
@@ -48,3 +49,13 @@ HYLBASGENERICS_EXPORT_INLINE inline bool operator<(HYLBasPair<int, int> const& x
                                                    HYLBasPair<int, int> const& y) {
   return x.first < y.first || (!(y.first < x.first) && x.second < y.second);
 }
+
+// The instantiations live in the library, member by member: these are the ones that it exports.
+extern template HYLBASGENERICS_EXPORT HYLBasPair<int, int>::HYLBasPair();
+#define HYLBAS_DECLARE_PAIR(V)                                                                     \
+  extern template HYLBASGENERICS_EXPORT HYLBasPair<int const, V>::HYLBasPair(int const&,           \
+                                                                             V const&);            \
+  extern template HYLBASGENERICS_EXPORT HYLBasPair<int const, V>::HYLBasPair(                      \
+      HYLBasPair<int const, V> const&);
+HYLBAS_FOR_EACH_MAPPED_TYPE(HYLBAS_DECLARE_PAIR)
+#undef HYLBAS_DECLARE_PAIR

@@ -5,16 +5,9 @@
 #include "HYLBasInstantiations.h"
 #include "HYLBasTreeIterator.h"
 
-namespace {
-
-template <class V>
-using Element = HYLBasPair<int const, V>;
-template <class V>
-using Iterator = HYLBasTreeIterator<Element<V>, Element<V>&, Element<V>*>;
-template <class V>
-using ConstIterator = HYLBasTreeIterator<Element<V>, Element<V> const&, Element<V> const*>;
-
-} // namespace
+using hylbas_detail::MapConstIterator;
+using hylbas_detail::MapElement;
+using hylbas_detail::MapIterator;
 
 template HYLBASGENERICS_EXPORT HYLBasPair<int, int>::HYLBasPair();
 
@@ -22,9 +15,9 @@ template HYLBASGENERICS_EXPORT HYLBasPair<int, int>::HYLBasPair();
   template HYLBASGENERICS_EXPORT HYLBasPair<A, B>::HYLBasPair(A const&, B const&);
 #define HYLBAS_DEFINE_PAIRS(V)                                                                     \
   template HYLBASGENERICS_EXPORT HYLBasPair<int const, V>::HYLBasPair(int const&, V const&);       \
-  template HYLBASGENERICS_EXPORT HYLBasPair<int const, V>::HYLBasPair(Element<V> const&);          \
-  HYLBAS_DEFINE_PAIR_OF(Iterator<V>, Iterator<V>)                                                  \
-  HYLBAS_DEFINE_PAIR_OF(ConstIterator<V>, ConstIterator<V>)                                        \
-  HYLBAS_DEFINE_PAIR_OF(Iterator<V>, bool)
+  template HYLBASGENERICS_EXPORT HYLBasPair<int const, V>::HYLBasPair(MapElement<V> const&);       \
+  HYLBAS_DEFINE_PAIR_OF(MapIterator<V>, MapIterator<V>)                                            \
+  HYLBAS_DEFINE_PAIR_OF(MapConstIterator<V>, MapConstIterator<V>)                                  \
+  HYLBAS_DEFINE_PAIR_OF(MapIterator<V>, bool)
 
 HYLBAS_FOR_EACH_MAPPED_TYPE(HYLBAS_DEFINE_PAIRS)

@@ -4,14 +4,14 @@
   template HYLBASGENERICS_EXPORT HYLBasReplicatorGeneric HYLBasGetReplicator<__VA_ARGS__>();
 #define HYLBAS_DEFINE_PLAIN(T)                                                                     \
   template HYLBASGENERICS_EXPORT void HYLBasPODCopy<T>(void const*, void*, unsigned int);          \
-  template class HYLBASGENERICS_EXPORT HYLBasPODReplicator<T>;                                     \
+  template class HYLBasPODReplicator<T>;                                                           \
   HYLBAS_DEFINE_REPLICATOR(T)
 #define HYLBAS_DEFINE_CLASS(...)                                                                   \
   template HYLBASGENERICS_EXPORT void HYLBasStandardCopy<__VA_ARGS__>(void const*, void*,          \
                                                                       unsigned int);               \
   template HYLBASGENERICS_EXPORT void HYLBasStandardDestroy<__VA_ARGS__>(void const*,              \
                                                                          unsigned int);            \
-  template class HYLBASGENERICS_EXPORT HYLBasReplicator<__VA_ARGS__>;                              \
+  template class HYLBasReplicator<__VA_ARGS__>;                                                    \
   HYLBAS_DEFINE_REPLICATOR(__VA_ARGS__)
 #define HYLBAS_DEFINE_MAPPED(V) HYLBAS_DEFINE_CLASS(HYLBasPair<int const, V>)
 
