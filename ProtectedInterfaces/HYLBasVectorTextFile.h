@@ -43,8 +43,8 @@
 
 /// Writes `vector` (of `int` or `double`) to the file, replacing it.
 /// \param fileName handed to `fopen` unchanged
-/// \param comment1,comment2 text of the comment lines, null for none; the caller sees to it that
-///     no line of a text with line breaks can be taken for the size line
+/// \param comment1,comment2 text of the comment lines, null for none. Written unchanged: a text of
+///     more than 252 characters, or with line breaks, may make a file that cannot be read back
 /// Linear. A file that cannot be opened is reported on the standard error stream; failures after
 /// that are not detected.
 template <class T>

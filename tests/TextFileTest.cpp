@@ -29,7 +29,7 @@
 #include <gtest/gtest.h>
 
 #include "HYLBasVectorTextFile.h"
-#include "WatchedMemory.h"
+#include "support/WatchedMemory.h"
 
 namespace fs = std::filesystem;
 

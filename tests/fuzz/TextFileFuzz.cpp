@@ -13,7 +13,7 @@
 #include <type_traits>
 
 #include "HYLBasVectorTextFile.h"
-#include "WatchedMemory.h"
+#include "support/WatchedMemory.h"
 
 namespace fs = std::filesystem;
 

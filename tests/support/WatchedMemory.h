@@ -1,6 +1,7 @@
 /// \file
 /// The memory functions that a vector reader calls, in a form that tests can watch: a program that
-/// links WatchedMemory.cpp has them called in place of the host library's.
+/// links WatchedMemory.cpp has them called in place of the host library's. Gigantic requests cost
+/// nothing here; take RecordingMemory.h where the order of the calls matters.
 #pragma once
 
 namespace watched_memory {
