@@ -78,7 +78,7 @@ public:
     int const i = static_cast<int>(Below(2));
     HYLBasVectorGeneric& v = *m_vectors[i];
     model::PlainVector& m = m_models[i];
-    auto const s = static_cast<std::ptrdiff_t>(elementSize);
+    auto const s = static_cast<std::int64_t>(elementSize);
     char* const first = static_cast<char*>(v.Begin());
     unsigned int const k = Below(m.size + 1), n = Below(2) ? Below(6) : Below(40);
     auto const [value, place] = Below(4) && m.size ? ValueOf(i) : Value();
@@ -172,11 +172,11 @@ private:
   std::pair<void const*, Place> Value() {
     unsigned int const offset =
         (Below(2) * static_cast<unsigned int>(sizeof m_own / 2) + Below(100)) / 8 * 8;
-    return {m_own + offset, Place{0, static_cast<std::ptrdiff_t>(offset)}};
+    return {m_own + offset, Place{0, static_cast<std::int64_t>(offset)}};
   }
   std::pair<void const*, Place> ValueOf(int i) {
     unsigned int const k = Below(m_models[i].size);
-    return {static_cast<char*>(m_vectors[i]->Begin()) + std::ptrdiff_t{k} * elementSize,
+    return {static_cast<char*>(m_vectors[i]->Begin()) + std::int64_t{k} * elementSize,
             m_models[i].At(k)};
   }
 

@@ -31,7 +31,7 @@ public:
   int block = -1;
 
   Place At(unsigned int i) const {
-    return block < 0 ? Place{-1, 0} : Place{block, std::ptrdiff_t{s} * i};
+    return block < 0 ? Place{-1, 0} : Place{block, std::int64_t{s} * i};
   }
   unsigned char const* Bytes() const { return m_memory.blocks.at(block).data(); }
 
@@ -105,7 +105,7 @@ public:
         ShiftUp(k, n);
         Copy(first, At(k), n);
       } else {
-        Copy({first.block, first.offset + std::ptrdiff_t{t} * s}, At(size), n - t);
+        Copy({first.block, first.offset + std::int64_t{t} * s}, At(size), n - t);
         Copy(At(k), At(size + n - t), t);
         size += n;
         Copy(first, At(k), t);
@@ -181,8 +181,8 @@ private:
   void Copy(Place from, Place to, unsigned int n) {
     m_memory.events.push_back({'C', from, to, n});
     for (unsigned int i = 0; i != n; ++i)
-      std::memmove(Bytes({to.block, to.offset + std::ptrdiff_t{s} * i}),
-                   Bytes({from.block, from.offset + std::ptrdiff_t{s} * i}), s);
+      std::memmove(Bytes({to.block, to.offset + std::int64_t{s} * i}),
+                   Bytes({from.block, from.offset + std::int64_t{s} * i}), s);
   }
   void Destroy(Place first, unsigned int n) {
     if (m_destroys) m_memory.events.push_back({'D', first, {-1, 0}, n});
@@ -194,7 +194,7 @@ private:
       return;
     }
     for (unsigned int i = 0; i != n; ++i)
-      Copy(value, {to.block, to.offset + std::ptrdiff_t{s} * i}, 1);
+      Copy(value, {to.block, to.offset + std::int64_t{s} * i}, 1);
   }
   void CopyBackward(unsigned int first, unsigned int last, unsigned int by) {
     while (last != first) {

@@ -56,7 +56,8 @@ Place Locate(void const* address) {
   auto const next = state().live.upper_bound(p);
   if (next != state().live.begin()) {
     auto const& [base, block] = *std::prev(next);
-    if (p - base <= static_cast<std::ptrdiff_t>(block.bytes)) return {block.number, p - base};
+    auto const offset = static_cast<std::size_t>(p - base);
+    if (offset <= block.bytes) return {block.number, static_cast<std::int64_t>(offset)};
   }
   if (p < state().own || p > state().own + state().ownBytes) Fail("an address from nowhere");
   return {0, p - state().own};
