@@ -46,7 +46,7 @@ void HYLBasMemTruePool::AddSlab() {
   if (m_blockRoom - m_blockCount < added) GrowTable();
   auto* const slab = static_cast<char*>(hylbas_detail::AllocateHandled(added * blockSize));
   for (unsigned int i = 0; i != added; ++i)
-    m_blocks[m_blockCount + i] = slab + i * blockSize;
+    m_blocks[m_blockCount + i] = slab + std::size_t{i} * blockSize;
   m_blockCount += added;
 }
 

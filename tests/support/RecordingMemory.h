@@ -4,6 +4,7 @@
 #pragma once
 
 #include <cstddef>
+#include <cstdint>
 #include <vector>
 
 namespace recording {
@@ -12,7 +13,7 @@ namespace recording {
 /// number 1), in the test's own memory (block 0), or nowhere (null, block -1).
 struct Place {
   int block;
-  std::ptrdiff_t offset;
+  std::int64_t offset;
   bool operator==(Place const&) const = default;
 };
 
