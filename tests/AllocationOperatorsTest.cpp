@@ -12,7 +12,7 @@
 #include <gtest/gtest.h>
 
 #include "HYLBasAllocationOperators.h"
-#include "SanitizerOptions.h"
+#include "support/SanitizerOptions.h"
 
 namespace {
 

@@ -19,7 +19,7 @@
 #include "HYLBasSmallNodeTrackingAllocator.h"
 #include "HYLBasVectorAllocator.h"
 #include "HYLBasVectorTrackingAllocator.h"
-#include "SanitizerOptions.h"
+#include "support/SanitizerOptions.h"
 #include "TARNHYLBasAlloc.h"
 
 namespace {
