@@ -1,6 +1,6 @@
 /// \file
-/// For test programs that exhaust memory on purpose: with the source beside this header, the address
-/// sanitizer answers such a request as the system does.
+/// For test programs that exhaust memory on purpose: with the source beside this header, the
+/// address sanitizer answers such a request as the system does.
 #pragma once
 
 #if defined(__SANITIZE_ADDRESS__)
