@@ -19,8 +19,8 @@
 #include "HYLBasSmallNodeTrackingAllocator.h"
 #include "HYLBasVectorAllocator.h"
 #include "HYLBasVectorTrackingAllocator.h"
-#include "SanitizerOptions.h"
 #include "TARNHYLBasAlloc.h"
+#include "support/SanitizerOptions.h"
 
 namespace {
 

@@ -12,8 +12,9 @@ import re
 import subprocess
 import sys
 
-# What instrumented builds add.
-INSTRUMENTATION = re.compile(r"^(__(odr_)?(asan|ubsan|tsan|msan|lsan|sanitizer)|__gcov|__llvm)")
+# What instrumented builds add: their run-time's symbols, and with clang the types of all functions
+# that are called by address.
+INSTRUMENTATION = re.compile(r"^(__(odr_)?(asan|ubsan|tsan|msan|lsan|sanitizer)|typeinfo )")
 # What older linkers export of every library.
 LINKER = {"_init", "_fini", "__bss_start", "_edata", "_end"}
 GLOBAL_NEW = {"operator new(std::size_t)", "operator new[](std::size_t)"}
@@ -23,13 +24,14 @@ def normalized(name):
     return re.sub(r"(operator new(?:\[\])?)\(unsigned (?:int|long)\b", r"\1(std::size_t", name)
 
 
-def exported(nm, library):
+def exported(nm, library, instrumented):
     command = [nm, "--dynamic", "--demangle", "--defined-only", "--format=posix", library]
     output = subprocess.run(command, check=True, capture_output=True, text=True).stdout
     # "name type address size": the name itself may hold blanks.
-    lines = (re.fullmatch(r"(.*) ([A-Za-z]) [0-9a-f]*(?: [0-9a-f]+)? ?", line) for line in output.splitlines())
-    names = {normalized(line[1]) for line in lines if line}
-    return {name for name in names if name not in LINKER and not INSTRUMENTATION.match(name)}
+    entries = [re.fullmatch(r"(.*) [A-Za-z] [0-9a-f]+(?: [0-9a-f]+)? ?", line) for line in output.splitlines()]
+    names = {normalized(entry[1]) for entry in entries}
+    added = INSTRUMENTATION if instrumented else re.compile(r"(?!)")
+    return {name for name in names if name not in LINKER and not added.match(name)}
 
 
 def main():
@@ -39,10 +41,12 @@ def main():
     parser.add_argument("--nm", default="nm")
     parser.add_argument("--without-global-new", action="store_true",
                         help="the library was built with HYLBAS_EXPORT_GLOBAL_NEW off")
+    parser.add_argument("--instrumented", action="store_true",
+                        help="the library was built with sanitizers")
     parser.add_argument("--update", action="store_true", help="write the list instead of comparing")
     arguments = parser.parse_args()
 
-    found = exported(arguments.nm, arguments.library)
+    found = exported(arguments.nm, arguments.library, arguments.instrumented)
     if not found:
         sys.exit(f"{arguments.library} exports nothing: is it a stripped or a static library?")
     if arguments.update:

@@ -48,9 +48,19 @@ unsigned int In32Bits(std::size_t size) {
 } // namespace
 
 #if defined(HYLBAS_EXPORT_GLOBAL_NEW)
-HYLBASGENERICS_EXPORT void* operator new(std::size_t size) { return AllocateOrNull(size); }
+// The compiler takes it for granted that these two never return null: it must not see where the
+// null comes from, and a sanitized build must not stop at it.
+#define HYLBAS_MAY_RETURN_NULL __attribute__((no_sanitize("undefined")))
 
-HYLBASGENERICS_EXPORT void* operator new[](std::size_t size) { return AllocateOrNull(size); }
+HYLBASGENERICS_EXPORT HYLBAS_MAY_RETURN_NULL void* operator new(std::size_t size) {
+  void* volatile const block = AllocateOrNull(size);
+  return block;
+}
+
+HYLBASGENERICS_EXPORT HYLBAS_MAY_RETURN_NULL void* operator new[](std::size_t size) {
+  void* volatile const block = AllocateOrNull(size);
+  return block;
+}
 #endif
 
 void* operator new(std::size_t size, int /*blockType*/, char const* /*file*/,

@@ -1,13 +1,11 @@
 #include "HYLBasNodeTrackingAllocator.h"
 
-#include <memory>
-
 #include "TARNHYLBasAlloc.h"
 
 constinit HYLBasMemPoolMap* HYLBasNodeTrackingAllocator::m_pool = nullptr;
 
 HYLBasNodeTrackingAllocator::HYLBasNodeTrackingAllocator() {
-  m_pool = std::addressof(omi_Singleton<HYLBasMemPoolMap>::Instance());
+  m_pool = &omi_Singleton<HYLBasMemPoolMap>::Instance();
   m_pool->Activate();
 }
 
