@@ -1,4 +1,6 @@
 #include <algorithm>
+#include <cmath>
+#include <cstddef>
 #include <cstdio>
 #include <string>
 
@@ -48,7 +50,7 @@ void PrintChart(Series const& series) {
   for (unsigned int bar = 0; bar != means.size(); ++bar) {
     unsigned int const first = bar * step, last = std::min(first + step, size) - 1;
     double const share = height > 0 ? (means[bar] - floor) / height : 0;
-    auto const length = static_cast<unsigned int>(share * longestBar + 0.5);
+    auto const length = static_cast<std::size_t>(std::lround(share * longestBar));
     std::printf("  %5d - %-5d %10.2f  %s\n", series.YearOf(first), series.YearOf(last), means[bar],
                 std::string(length, '#').c_str());
   }
