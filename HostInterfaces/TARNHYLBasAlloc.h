@@ -142,8 +142,8 @@ public:
   /// byte 496 of the block and from a fresh block otherwise; adds no alignment. A request that no
   /// block can hold is reported on the standard error stream and ends the process.
   TARNHYLBASALLOC_EXPORT_INLINE void* Alloc(unsigned int bytes) {
-    // Compared with what is left, because the end of a huge request wraps around to a small one.
-    if (bytes >= e_blockEnd - m_used) {
+    // In 64 bits, because the end of a huge request would wrap around to a small one.
+    if (static_cast<unsigned long long>(m_used) + bytes >= e_blockEnd) {
       if (bytes >= e_blockEnd) RequestTooLarge(bytes);
       Grow();
     }

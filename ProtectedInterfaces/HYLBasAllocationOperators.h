@@ -28,7 +28,9 @@ HYLBASGENERICS_EXPORT void mem_deleteBuiltIn(int* array);
 HYLBASGENERICS_EXPORT void mem_deleteBuiltIn(double* array);
 
 /// Debug forms, with block type, file name and line, which are ignored: as the library's global
-/// `operator new(size)`, null on exhaustion. Release with the global `operator delete`.
+/// `operator new(size)`, null on exhaustion, also where a new handler throws. Release with the
+/// global `operator delete`. There is no matching placement form of it: a block is lost when the
+/// constructor that follows throws.
 HYLBASGENERICS_EXPORT void* operator new(std::size_t size, int blockType, char const* file,
                                          int line) noexcept;
 HYLBASGENERICS_EXPORT void* operator new[](std::size_t size, int blockType, char const* file,

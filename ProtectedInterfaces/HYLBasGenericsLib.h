@@ -13,7 +13,7 @@
 ///
 /// Neither the counts nor the tallies are guarded: start and stop from one thread at a time.
 /// Constant time. An initialisation throws only what `HYLBasVectorTrackingAllocator::Initialize`
-/// throws.
+/// throws; the counts and the tally have risen by then and stay so.
 #pragma once
 
 #include "HYLBasExport.h"

@@ -4,7 +4,8 @@
 /// A container stores one `HYLBasReplicatorGeneric` and moves, copies and destroys elements only
 /// through it. Take `HYLBasGetReplicator<T>()` for element types known at compile time, or fill in
 /// a record of your own. All functions here are stateless and may run on any number of threads at
-/// once on disjoint elements.
+/// once on disjoint elements. Copying and destroying take time linear in the count; everything else
+/// is constant.
 #pragma once
 
 #include <cstring>
@@ -20,15 +21,18 @@ class HYLBASGENERICS_EXPORT HYLBasReplicatorGeneric {
 public:
   /// Copies `count` consecutive elements at `source` into the slots at `destination`, first to
   /// last. The slots may be raw storage or hold live elements. Containers call it on overlapping
-  /// ranges only with the destination before the source. A count of 0 does nothing.
+  /// ranges only with the destination before the source. A count of 0 does nothing. It must not
+  /// throw: a container that was moving its elements would lose the block that they move to.
   using CopyFunction = void (*)(void const* source, void* destination, unsigned int count);
   /// Ends the life of `count` consecutive elements, once over each batch that leaves a container.
   using DestroyFunction = void (*)(void const* first, unsigned int count);
 
-  /// Elements of `size` bytes without functions: serves only a container that never copies one.
+  /// Elements of `size` bytes (at least 1, unchecked) without functions: serves only a container
+  /// that never calls the copy function. Containers do call it for runs of no elements, as in
+  /// `Clear()`.
   HYLBASGENERICS_EXPORT_INLINE explicit HYLBasReplicatorGeneric(int size)
       : m_size(size), m_copy(nullptr), m_destroy(nullptr) {}
-  /// Elements of `size` bytes (at least 1). A null `destroy` means that elements need no
+  /// Elements of `size` bytes (at least 1, unchecked). A null `destroy` means that elements need no
   /// destruction; vectors may then fill runs of equal elements bytewise.
   HYLBASGENERICS_EXPORT_INLINE HYLBasReplicatorGeneric(int size, CopyFunction copy,
                                                        DestroyFunction destroy)
@@ -63,7 +67,7 @@ HYLBASGENERICS_EXPORT void HYLBasStandardCopy(void const* source, void* destinat
   auto const* from = static_cast<T const*>(source);
   auto* to = static_cast<char*>(destination);
   for (unsigned int i = 0; i != count; ++i, to += sizeof(T))
-    new (to, HYLBasPlacement()) T(from[i]);
+    ::new (to, HYLBasPlacement()) T(from[i]);
 }
 
 /// Destroy function of class types: runs the destructor of each element, first to last.

@@ -5,13 +5,15 @@
 /// Element access, size and appending with room are inline and cost what they cost on a plain
 /// array; everything else is one call into the library. It differs from `std::vector` in these
 /// points: counts are 32 bits, growth triples (see `HYLBasVectorGeneric.h` for the exact numbers),
-/// exhausted memory ends the process instead of throwing, and `at` ends the process too.
+/// exhausted memory is the host's memory library's to handle, which ends the process unless a new
+/// handler helps or throws, and `at` ends the process too.
 ///
 /// Invalidation, for every operation: positions are plain pointers. When the capacity changes all
 /// of them are invalid; otherwise those before the changed element stay valid.
 #pragma once
 
 #include <algorithm>
+#include <cstddef>
 #include <cstdlib>
 #include <limits>
 #include <type_traits>
@@ -164,7 +166,9 @@ public:
 
   /// \name Appending and inserting
   /// Linear in the number of elements inserted and moved; appending in amortised constant time.
-  /// `pos` lies in [`begin()`, `end()`]; the process ends without a message where it does not.
+  /// `pos` lies in [`begin()`, `end()`]. The process ends without a message where it does not, but
+  /// for single elements at the end of storage, which are inserted over a gap of zeros, and for
+  /// runs of no elements at a position within the storage.
   /// @{
   void push_back(T const& value) {
     if constexpr (std::is_arithmetic_v<T>) {
@@ -172,9 +176,10 @@ public:
         *end() = value;
         m_data.m_last += sizeof(T);
       } else {
+        std::ptrdiff_t const bytes = m_data.m_last - m_data.m_first;
         auto const grown =
             hylbas_detail::VectorLoan::PushBack<T>(m_data.m_first, m_data.m_last, value);
-        m_data.m_last = grown.first + (m_data.m_last - m_data.m_first) + sizeof(T);
+        m_data.m_last = grown.first + bytes + sizeof(T);
         m_data.m_first = grown.first;
         m_data.m_endOfStorage = grown.endOfStorage;
       }
@@ -260,6 +265,8 @@ public:
   /// Writes the file with up to two comments, null for none. Only vectors of `int` and `double`
   /// have their values written; a file of any other type ends after its size line.
   void Write(char const* fileName, char const* comment1, char const* comment2) const {
+    static_assert(hylbas_detail::elementTypeName<T> != nullptr,
+                  "a vector of this element type has no text file form");
     m_data.Write(fileName, hylbas_detail::elementTypeName<T>, comment1, comment2);
   }
   /// @}

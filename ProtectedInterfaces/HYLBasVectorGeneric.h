@@ -7,8 +7,9 @@
 /// it then owns exactly one, which never shrinks.
 ///
 /// Growth, in elements of capacity: one element at the end of a full vector, `3 * size + 1`; one
-/// before the end of a full vector, `2 * size`; `n` elements without room, `size + max(size, n)`;
-/// `Reserve(n)`, constructors, `Init` and `Assign`, exactly `n`.
+/// before the end of a full vector, `2 * size`; one at the end of storage, over a gap, at index
+/// `k`, `k + 2 * size + 1`; `n` elements without room, `size + max(size, n)`; `Reserve(n)`,
+/// constructors, `Init` and `Assign`, exactly `n`.
 ///
 /// Rules that hold throughout:
 /// - Positions are byte addresses of element slots; counts and indices are elements. A position
@@ -19,7 +20,8 @@
 /// - A value or source range inside the vector's own elements, at or after the insertion position,
 ///   is read only after those elements have moved up.
 /// - A checked position that is out of range ends the process with `abort()`, without a message.
-///   Exhausted memory is the memory library's to handle. No operation throws.
+///   Exhausted memory is the memory library's to handle. No operation throws of its own; what the
+///   memory library or a new handler throws leaves the vector as it was.
 /// - One thread at a time per vector; distinct vectors are independent.
 #pragma once
 

@@ -23,12 +23,14 @@
 ///   `integer`; another word there, and every other such line, changes nothing. The field is real
 ///   until a banner says otherwise.
 /// - The size line, three integers, of which the third counts. Its low 32 bits, multiplied in 32
-///   bits by the element size, are the bytes of the vector's block.
+///   bits by the element size, are the bytes of the vector's block; fewer than one element's are
+///   not asked for.
 /// - From every line after it one value, at its start. Lines without one are skipped without a
 ///   word; so is the rest of a line, and every value for which the block has no room.
 ///
-/// Lines longer than 255 characters are taken in pieces of 255, each as a line of its own. Numbers
-/// are what the C library's `printf` and `scanf` make of them, under the process's locale.
+/// Lines longer than 255 characters, counting the newline, are taken in pieces of 255, each as a
+/// line of its own. Numbers are what the C library's `printf` and `scanf` make of them, under the
+/// process's locale.
 ///
 /// Reading an integer file into anything but `int`, or a real one into anything but `double`,
 /// stores the bytes of the `int` or `double`, as far as they stay inside the block, one element

@@ -79,12 +79,12 @@ void* mem_OperatorNewThrowBuiltin(unsigned int size) {
 }
 
 void HYLBasAlloc_initialize(int& tally) {
-  Record("initialize");
+  Record("initialize", static_cast<unsigned int>(tally)); // what was counted before
   tally += 100;
 }
 
 void HYLBasAlloc_finalize(int& tally) {
-  Record("finalize");
+  Record("finalize", static_cast<unsigned int>(-tally));
   tally -= 100;
 }
 
@@ -130,7 +130,7 @@ namespace {
 std::string const recordedBeforeMain = Recorded();
 
 TEST(HostReplacement, LoadingStartsTheLayersInOrder) {
-  EXPECT_EQ(recordedBeforeMain, "initialize Vector ");
+  EXPECT_EQ(recordedBeforeMain, "initialize(1) Vector ");
   EXPECT_EQ(HYLBasVectorTrackingAllocator::m_pool, &TestPool<HYLBasMemPoolVector>());
 }
 
@@ -138,10 +138,10 @@ TEST(HostReplacement, StopAndStartCallTheMemoryLibraryWithTheCallersTally) {
   int tally = 0;
   HYLBasGenericsLib_finalize(tally);
   EXPECT_EQ(tally, -103);
-  EXPECT_EQ(Recorded(), "finalize ");
+  EXPECT_EQ(Recorded(), "finalize(3) ");
   HYLBasGenericsLib_initialize(tally);
   EXPECT_EQ(tally, 0);
-  EXPECT_EQ(Recorded(), "initialize Vector ");
+  EXPECT_EQ(Recorded(), "initialize(4294967194) Vector "); // -103 and the whole library's 1
 }
 
 TEST(HostReplacement, PoliciesCallTheMemoryLibrary) {

@@ -1,4 +1,5 @@
 // Comparators, pairs, hash values, exchange and replicators: pure functions and plain records.
+#include <climits>
 #include <cstdint>
 #include <cstring>
 #include <string>
@@ -12,6 +13,7 @@
 #include "HYLBasReplicator.h"
 #include "HYLBasSwap.h"
 #include "HYLBasTreeNodeGeneric.h"
+#include "HYLBasVector.h"
 
 namespace {
 
@@ -22,11 +24,16 @@ TEST(HashValue, DropsTheTwoLowBitsThenReduces) {
   void* const address = reinterpret_cast<void*>(std::uintptr_t{4096});
   EXPECT_EQ(HashValue(address, 16), 0u);
   EXPECT_EQ(HashValue(address, 7), (4096u >> 2) % 7);
+  if constexpr (sizeof(void*) > 4) { // the low 32 bits count
+    EXPECT_EQ(HashValue(static_cast<char*>(address) + (std::uint64_t{3} << 32), 7), 1024u % 7);
+  }
 }
 
 TEST(Pair, OrdersByFirstThenSecondSigned) {
   using P = HYLBasPair<int, int>;
-  P const ordered[] = {P(-1, 0), P(0, -9), P(0, 9), P(1, 0), P(1, 5), P(1, 7)};
+  P const ordered[] = {
+      P(INT_MIN, INT_MAX), P(-1, 0),           P(0, -9), P(0, 9), P(1, 0), P(1, 5), P(1, 7),
+      P(INT_MAX, INT_MIN), P(INT_MAX, INT_MAX)};
   for (P const& a : ordered)
     for (P const& b : ordered)
       EXPECT_EQ(a < b, &a < &b);
@@ -35,12 +42,14 @@ TEST(Pair, OrdersByFirstThenSecondSigned) {
 }
 
 TEST(Comparitor, AnswersStrictlyBeforeWhateverTheContext) {
-  int const minusOne = -1, zero = 0;
+  int const minusOne = -1, zero = 0, least = INT_MIN, greatest = INT_MAX;
   auto const before = HYLBasComparitor<int>::GetComparitor();
   for (void const* context : {static_cast<void const*>(nullptr), static_cast<void const*>(&zero)}) {
     EXPECT_TRUE(before(&minusOne, &zero, context));
     EXPECT_FALSE(before(&zero, &minusOne, context));
     EXPECT_FALSE(before(&zero, &zero, context));
+    EXPECT_TRUE(before(&least, &greatest, context));
+    EXPECT_FALSE(before(&greatest, &least, context));
   }
 }
 
@@ -53,14 +62,14 @@ TEST(Comparitor, CharStarTellsWhetherStringsDiffer) {
 
 TEST(Comparitor, IxPassesBothContexts) {
   static unsigned int seen[2];
-  int context1 = 0, context2 = 0;
+  int const contexts[2] = {};
   HYLBasIxComparitor const ix{[](unsigned int a, unsigned int b, void const* c1, void const* c2) {
                                 seen[0] = a;
                                 seen[1] = b;
-                                return c1 < c2;
+                                return static_cast<int const*>(c1) + 1 == c2;
                               },
-                              &context1, &context2};
-  EXPECT_EQ(ix(7, 9), static_cast<void const*>(&context1) < static_cast<void const*>(&context2));
+                              contexts, contexts + 1};
+  EXPECT_TRUE(ix(7, 9));
   EXPECT_EQ(seen[0], 7u);
   EXPECT_EQ(seen[1], 9u);
 }
@@ -140,6 +149,33 @@ TEST(Replicator, EveryElementType) {
   HYLBAS_FOR_EACH_MAPPED_TYPE(MAPPED)
 #undef MAPPED
 #undef PLAIN
+}
+
+// Elements that own something: copies and destructions must balance, first to last.
+TEST(Replicator, ClassElementsAreConstructedAndDestroyed) {
+  struct Tracked {
+    explicit Tracked(int n) : number(n) {}
+    Tracked(Tracked const& other) : number(other.number) {
+      Log() += static_cast<char>('0' + number);
+    }
+    ~Tracked() { Log() += static_cast<char>('a' + number); }
+    static std::string& Log() {
+      static std::string log;
+      return log;
+    }
+    int number;
+  };
+  Tracked const source[] = {Tracked(1), Tracked(2), Tracked(3)};
+  alignas(Tracked) unsigned char slots[sizeof source];
+  HYLBasReplicatorGeneric const tracked = HYLBasGetReplicator<Tracked>();
+  tracked.m_copy(source, slots, 3);
+  tracked.m_destroy(slots, 2);
+  tracked.m_destroy(slots + 2 * sizeof(Tracked), 1);
+  EXPECT_EQ(Tracked::Log(), "123bcd");
+
+  HYLBasVector<int> const row(3, 7);
+  HYLBasVectorGeneric rows(HYLBasGetReplicator<HYLBasVector<int>>(), 5, &row);
+  EXPECT_EQ((*static_cast<HYLBasVector<int>*>(rows.Begin()))[2], 7);
 }
 
 } // namespace

@@ -1,5 +1,6 @@
 // The type-erased vector beside a model that follows contents, capacity and every call.
 #include <csignal>
+#include <cstdint>
 #include <random>
 
 #include <gtest/gtest.h>
@@ -258,35 +259,6 @@ TEST(VectorGeneric, FailedRequestLeavesTheVectorUnchangedAndLosesNothing) {
   EXPECT_EQ(recording::LiveBlocks(), 0u);
 }
 
-// Each violation ends the process, with exactly the text that belongs to it.
-TEST(VectorGenericDeathTest, ViolationsEndTheProcess) {
-  int const values[] = {1, 2, 3, 4, 5};
-  recording::Reset(values, sizeof values);
-  HYLBasVectorGeneric v(HYLBasGetReplicator<int>(), 0, nullptr);
-  v.Reserve(4);
-  v.Insert(v.End(), values, values + 2);
-  char* const first = static_cast<char*>(v.Begin());
-  auto const dies = testing::KilledBySignal(SIGABRT);
-  for (char* const bad : {first - 4, first + 20}) {
-    EXPECT_EXIT(v.Insert(bad, values), dies, "^$");
-    EXPECT_EXIT(v.Insert(bad, 1, values), dies, "^$");
-    EXPECT_EXIT(v.Insert(bad, values, values + 1), dies, "^$");
-    EXPECT_EXIT(v.Erase(bad), dies, "^$");
-  }
-  // Between the end of the elements and the end of storage nothing can be inserted or erased.
-  EXPECT_EXIT(v.Insert(first + 12, values), dies, "^$");
-  EXPECT_EXIT(v.Insert(first + 12, 1, values), dies, "^$");
-  EXPECT_EXIT(v.Insert(first + 16, values, values + 5), dies, "^$");
-  EXPECT_EXIT(v.Erase(first + 8), dies, "^$");
-  EXPECT_EXIT(v.Erase(first - 4, first), dies, "^$");
-  EXPECT_EXIT(v.Erase(first, first + 12), dies, "^$");
-  EXPECT_EXIT(v.RangeCheck(2), dies, "^Error: out-of-bounds violation in HYLBasVector.\n$");
-  EXPECT_EXIT(v.RangeCheck(4294967295u), dies,
-              "^Error: out-of-bounds violation in HYLBasVector.\n$");
-  // A request too large for 32 bits asks for the one size that is always refused.
-  EXPECT_EXIT(v.Reserve(1073741824u), testing::KilledBySignal(SIGABRT), "4294967295 bytes");
-}
-
 // The private operations, reached through the one door that access control leaves open.
 template <auto member, int door>
 struct Opened {
@@ -305,10 +277,59 @@ OPEN(5, void (Generic::*)(void*, unsigned int) > (&Generic::Destroy))
 OPEN(6, void (Generic::*)(void*) > (&Generic::Destroy))
 OPEN(7, char* (Generic::*)(unsigned int) > (&Generic::Allocate))
 OPEN(8, void (Generic::*)(void*, unsigned int) > (&Generic::Deallocate))
+OPEN(9, char* (Generic::*)(char*, unsigned int, void const*) > (&Generic::fill_n))
+OPEN(10, void (Generic::*)(char*, char*, void const*) > (&Generic::fill))
+OPEN(11, char* (Generic::*)(void const*, void const*, void*) > (&Generic::copy_over))
+OPEN(12, char* (Generic::*)(void*, char*, char*) > (&Generic::copy_backward))
+OPEN(13, void (Generic::*)(void*, void const*) > (&Generic::InsertAux))
 #undef OPEN
 template <int door>
 auto Private() {
   return Open(std::integral_constant<int, door>());
+}
+
+// Each violation ends the process, with exactly the text that belongs to it.
+TEST(VectorGenericDeathTest, ViolationsEndTheProcess) {
+  int const values[] = {1, 2, 3, 4, 5};
+  recording::Reset(values, sizeof values);
+  HYLBasVectorGeneric v(HYLBasGetReplicator<int>(), 0, nullptr);
+  v.Reserve(4);
+  v.Insert(v.End(), values, values + 2);
+  char* const first = static_cast<char*>(v.Begin());
+  auto const dies = testing::KilledBySignal(SIGABRT);
+  for (char* const bad : {first - 4, first + 20}) {
+    EXPECT_EXIT(v.Insert(bad, values), dies, "^$");
+    for (unsigned int n : {0u, 1u})
+      EXPECT_EXIT(v.Insert(bad, n, values), dies, "^$");
+    EXPECT_EXIT(v.Insert(bad, values, values + 1), dies, "^$");
+    EXPECT_EXIT(v.Erase(bad), dies, "^$");
+  }
+  // Between the end of the elements and the end of storage nothing can be inserted or erased.
+  EXPECT_EXIT(v.Insert(first + 12, values), dies, "^$");
+  EXPECT_EXIT(v.Insert(first + 12, 1, values), dies, "^$");
+  EXPECT_EXIT(v.Insert(first + 16, values, values + 5), dies, "^$");
+  EXPECT_EXIT(v.Erase(first + 8), dies, "^$");
+  EXPECT_EXIT(v.Erase(first - 4, first), dies, "^$");
+  EXPECT_EXIT(v.Erase(first, first + 12), dies, "^$");
+  EXPECT_EXIT(v.RangeCheck(2), dies, "^Error: out-of-bounds violation in HYLBasVector.\n$");
+  EXPECT_EXIT(v.RangeCheck(4294967295u), dies,
+              "^Error: out-of-bounds violation in HYLBasVector.\n$");
+  // A request too large for 32 bits asks for the one size that is always refused.
+  char const* const refused = "4294967295 bytes";
+  EXPECT_EXIT(v.Reserve(1073741824u), dies, refused);
+  EXPECT_EXIT(v.Insert(v.End(), 4294967295u, values), dies, refused);
+  EXPECT_EXIT(v.Assign(4294967295u, values), dies, refused);
+  EXPECT_EXIT(v.Resize(4294967295u, values), dies, refused);
+  EXPECT_EXIT((v.*Private<1>())(4294967295u), dies, refused);
+  EXPECT_EXIT(HYLBasVectorGeneric(HYLBasGetReplicator<double>(), 4294967295u, values), dies,
+              refused);
+  EXPECT_EXIT(v.Insert(v.End(), values + 1, values), dies, refused);
+  if constexpr (sizeof(void*) > 4) {
+    void const* const farEnd = reinterpret_cast<void const*>(
+        reinterpret_cast<std::uintptr_t>(values) + (std::uint64_t{4294967297u} << 2));
+    EXPECT_EXIT(v.Insert(v.Begin(), values, farEnd), dies, refused);
+    EXPECT_EXIT(v.Init(values, farEnd), dies, refused);
+  }
 }
 
 TEST(VectorGeneric, PrivateOperations) {
@@ -330,6 +351,27 @@ TEST(VectorGeneric, PrivateOperations) {
   EXPECT_FALSE((v.*Private<4>())(bytes + 1));
   HYLBasVectorGeneric single({1, RecordingCopy, nullptr}, 0, nullptr);
   EXPECT_TRUE((single.*Private<4>())(bytes + 7));
+
+  // Each vector keeps its own replicator.
+  HYLBasVectorGeneric plain({7, RecordingCopy, nullptr}, 1, bytes);
+  plain.swap(v);
+  plain.swap(v);
+  plain = v;
+  recording::Events().clear();
+  plain.Clear();
+  EXPECT_EQ(recording::Events().back().kind, 'C');
+
+  char* const slots = static_cast<char*>(v.Begin());
+  EXPECT_EQ((v.*Private<9>())(slots, 2, bytes + 1), slots + 14);
+  EXPECT_EQ(std::memcmp(slots + 7, bytes + 1, 7), 0);
+  (v.*Private<10>())(slots, slots + 7, bytes);
+  EXPECT_EQ((v.*Private<11>())(bytes, bytes + 7, slots + 7), slots + 14);
+  EXPECT_EQ((v.*Private<12>())(slots, slots + 7, slots + 14), slots + 7);
+  EXPECT_EQ(std::memcmp(slots + 7, bytes, 7), 0);
+  (v.*Private<13>())(slots, bytes + 1);
+  EXPECT_EQ(v.Size(), 3u);
+  EXPECT_EQ(std::memcmp(slots, bytes + 1, 7), 0);
+  v.PopBack();
 
   recording::Events().clear();
   (v.*Private<5>())(v.Begin(), 2);

@@ -34,7 +34,7 @@ void* AllocateOrNull(std::size_t size) {
 void* AllocateOrNullNothrow(std::size_t size) noexcept {
   try {
     return AllocateOrNull(size);
-  } catch (std::bad_alloc const&) {
+  } catch (...) {
     return nullptr;
   }
 }

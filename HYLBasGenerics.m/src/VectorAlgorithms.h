@@ -83,13 +83,14 @@ public:
   /// \name Contents from scratch, for a vector without block
   /// @{
   static void InitCopies(V& v, unsigned int n, void const* value) {
-    v.m_first = Allocate(v, n);
+    v.m_first = v.m_last = v.m_endOfStorage = Allocate(v, n);
     v.m_last = v.m_endOfStorage = fill_n(v, v.m_first, n, value);
   }
 
   static void InitRange(V& v, void const* first, void const* last) {
-    unsigned int const n = Count(v, first, last);
-    v.m_first = Allocate(v, n);
+    std::uint64_t const range = WholeCount(v, first, last);
+    v.m_first = v.m_last = v.m_endOfStorage = Allocate(v, range);
+    auto const n = static_cast<unsigned int>(range);
     v.m_replicator.m_copy(first, v.m_first, n);
     v.m_last = v.m_endOfStorage = v.m_first + n * Step(v);
   }
@@ -211,9 +212,9 @@ public:
     CheckPosition(v, pos);
     if (first == last) return;
     if (pos > v.m_last) std::abort();
-    unsigned int const n = Count(v, first, last);
-    if (Bytes(v.m_last, v.m_endOfStorage) >= n * Bytes(v)) {
-      InsertRangeInPlace(v, pos, n, static_cast<char const*>(first),
+    std::uint64_t const n = WholeCount(v, first, last);
+    if (n <= Count(v, v.m_last, v.m_endOfStorage)) {
+      InsertRangeInPlace(v, pos, static_cast<unsigned int>(n), static_cast<char const*>(first),
                          static_cast<char const*>(last));
     } else {
       InsertIntoNewBlock(v, GrownBy(v, n), pos,
@@ -312,9 +313,16 @@ private:
     if (pos < v.m_first || pos > v.m_endOfStorage) std::abort();
   }
 
-  static std::uint64_t GrownBy(V const& v, unsigned int n) {
-    unsigned int const size = Size(v);
-    return std::uint64_t{size} + LargerOf(size, n);
+  static std::uint64_t GrownBy(V const& v, std::uint64_t n) {
+    std::uint64_t const size = Size(v);
+    return size + (size < n ? n : size);
+  }
+
+  /// Elements of a caller's range. One that no vector can hold gives a count that no block has: the
+  /// length of a range that is too long or ends before its start.
+  static std::uint64_t WholeCount(V const& v, void const* first, void const* last) {
+    std::ptrdiff_t const n = Bytes(first, last) / v.m_replicator.m_size;
+    return n < 0 ? UINT32_MAX + std::uint64_t{1} : static_cast<std::uint64_t>(n);
   }
 
   static void Append(V& v, void const* value) {
