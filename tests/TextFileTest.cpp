@@ -29,6 +29,7 @@
 #include <gtest/gtest.h>
 
 #include "HYLBasVectorTextFile.h"
+#include "TARNHYLBasAlloc.h"
 #include "support/WatchedMemory.h"
 
 namespace fs = std::filesystem;
@@ -405,6 +406,35 @@ TEST_F(TextFile, CapacityIsWhatTheBlockHolds) {
   none.Read(FileWith("0 0 859\n1\n").c_str());
   EXPECT_EQ(watched_memory::lastRequest, 0u);
   EXPECT_TRUE(none.Begin() == nullptr && none.End() == nullptr && none.Capacity() == 0);
+}
+
+// A part of an element at the end of the block is nobody's: 858993461 times 5 bytes leave 9.
+TEST_F(TextFile, NothingUsesTheRestOfABlock) {
+  HYLBasReplicatorGeneric::CopyFunction const copy = [](void const* from, void* to,
+                                                        unsigned int count) {
+    std::memmove(to, from, std::size_t{5} * count);
+  };
+  HYLBasVectorGeneric vector(HYLBasReplicatorGeneric(5, copy, nullptr), 0, nullptr);
+  vector.Read(FileWith("%%MatrixMarket vector array integer\n0 0 858993461\n7\n8\n").c_str());
+  EXPECT_EQ(watched_memory::lastRequest, 9u);
+  EXPECT_EQ(vector.Size(), 1u);
+  EXPECT_EQ(vector.Capacity(), 1u);
+  vector.PushBack("abcd");
+  EXPECT_EQ(watched_memory::lastRequest, 20u); // a block of its own growth
+}
+
+// A block that the vector held is neither used nor given back.
+TEST_F(TextFile, ReadForgetsABlock) {
+  std::string const empty = FileWith("0 1 0\n");
+  testing::internal::CaptureStderr();
+  for (std::string const& file : {empty, File("missing")}) {
+    HYLBasVector<int> vector(3);
+    void* const block = vector.begin();
+    vector.Read(file.c_str());
+    EXPECT_TRUE(vector.begin() == nullptr && vector.end() == nullptr && vector.capacity() == 0);
+    mem_Free(block);
+  }
+  testing::internal::GetCapturedStderr();
 }
 
 // Whichever request fails, nothing is left behind.
