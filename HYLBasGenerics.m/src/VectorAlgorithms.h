@@ -186,10 +186,12 @@ public:
         return slot + Step(v);
       });
     } else {
-      char* const oldLast = v.m_last;
-      v.m_replicator.m_copy(oldLast - Step(v), oldLast, 1);
-      v.m_last += Step(v);
-      copy_backward(v, pos, oldLast - Step(v), oldLast);
+      if (!OpenGap(v, pos, 1)) {
+        char* const oldLast = v.m_last;
+        v.m_replicator.m_copy(oldLast - Step(v), oldLast, 1);
+        v.m_last += Step(v);
+        copy_backward(v, pos, oldLast - Step(v), oldLast);
+      }
       v.m_replicator.m_copy(value, pos, 1);
     }
   }
@@ -369,10 +371,22 @@ private:
     ReplaceBlock(v, block, next + after * Step(v), capacity);
   }
 
+  /// Moves the elements from `pos` on up by `n` slots as one block, where the copies of the plain
+  /// steps cannot be observed; false where they can. A value among the elements reads the same
+  /// after it as at any of those steps.
+  static bool OpenGap(V& v, char* pos, unsigned int n) {
+    if (!IsPlainData(v.m_replicator)) return false;
+    std::memmove(pos + n * Step(v), pos, static_cast<std::size_t>(v.m_last - pos));
+    v.m_last += n * Step(v);
+    return true;
+  }
+
   static void InsertCopiesInPlace(V& v, char* pos, unsigned int n, void const* value) {
     char* const oldLast = v.m_last;
     unsigned int const after = Count(v, pos, oldLast);
-    if (after > n) {
+    if (OpenGap(v, pos, n)) {
+      fill(v, pos, pos + n * Step(v), value);
+    } else if (after > n) {
       ShiftUp(v, pos, n);
       fill(v, pos, pos + n * Step(v), value);
     } else {
