@@ -17,6 +17,7 @@
 #include "HYLBasSmallNodeTrackingAllocator.h"
 #include "HYLBasSwap.h"
 #include "HYLBasTreeIterator.h"
+#include "HYLBasTreeIteratorGeneric.h"
 #include "HYLBasTreeNodeGeneric.h"
 #include "HYLBasVector.h"
 #include "HYLBasVectorAllocator.h"
