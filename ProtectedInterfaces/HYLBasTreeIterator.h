@@ -21,7 +21,7 @@
 /// no step back, no `it++`, no ordering. The modifying kind converts to the other one.
 template <class T, class Reference, class Pointer>
 class HYLBASGENERICS_EXPORT HYLBasTreeIterator {
-  static constexpr bool isModifying = std::is_same_v<Pointer, T*>;
+  using IsModifying = std::is_same<Pointer, T*>;
   using Modifying = HYLBasTreeIterator<T, T&, T*>;
   using Reading = HYLBasTreeIterator<T, T const&, T const*>;
 
@@ -36,7 +36,7 @@ public:
   HYLBasTreeIterator(HYLBasTreeNodeGeneric* node) : m_node(node) {}
   HYLBasTreeIterator(HYLBasTreeIteratorGeneric const& position) : m_node(position.m_node) {}
   HYLBasTreeIterator(HYLBasTreeIterator const& other) : m_node(other.m_node) {}
-  HYLBasTreeIterator(Modifying const& other) requires(!isModifying) : m_node(other.m_node) {}
+  HYLBasTreeIterator(Modifying const& other) requires(!IsModifying::value) : m_node(other.m_node) {}
   HYLBasTreeIterator& operator=(HYLBasTreeIterator const& other) = default;
 
   /// \name Whether both are the same position
@@ -45,10 +45,10 @@ public:
   bool operator!=(HYLBasTreeIterator const& other) const {
     return Generic().NotEqual(other.m_node);
   }
-  bool operator==(Reading const& other) const requires isModifying {
+  bool operator==(Reading const& other) const requires IsModifying::value {
     return Generic().Equal(other.m_node);
   }
-  bool operator!=(Reading const& other) const requires isModifying {
+  bool operator!=(Reading const& other) const requires IsModifying::value {
     return Generic().NotEqual(other.m_node);
   }
   /// @}

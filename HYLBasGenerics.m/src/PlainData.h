@@ -1,7 +1,9 @@
 /// \file
-/// Recognition of the library's own plain-data copy, whose calls nobody can observe: where a
-/// replicator carries it, a block move or a typed store does what its calls would do.
+/// Recognition of the library's own copy and destroy functions, whose calls nobody can observe:
+/// where a replicator carries them, a block move or a typed store does what the calls would do.
 #pragma once
+
+#include <cstring>
 
 #include "HYLBasReplicator.h"
 
@@ -24,6 +26,37 @@ inline bool IsPlainData(HYLBasReplicatorGeneric const& replicator) {
   default:
     return false;
   }
+}
+
+/// Whether `copy` is the library's own function for the elements of maps of that size.
+template <std::size_t elementSize>
+bool CopiesMapElements(HYLBasReplicatorGeneric::CopyFunction copy) {
+#define HYLBAS_OR_COPIES_ELEMENTS(V)                                                               \
+  || (sizeof(HYLBasPair<int const, V>) == elementSize &&                                           \
+      copy == HYLBasStandardCopy<HYLBasPair<int const, V>>)
+  return false HYLBAS_FOR_EACH_MAPPED_TYPE(HYLBAS_OR_COPIES_ELEMENTS);
+#undef HYLBAS_OR_COPIES_ELEMENTS
+}
+
+/// Copies one element: by the replicator's function, or without a call where nobody can tell. The
+/// bytes between the fields of a map's element have no value that could be lost.
+inline void CopyOne(HYLBasReplicatorGeneric const& replicator, void const* source,
+                    void* destination) {
+  if (replicator.m_size == 8 && CopiesMapElements<8>(replicator.m_copy)) {
+    std::memcpy(destination, source, 8);
+  } else if (replicator.m_size == 16 && CopiesMapElements<16>(replicator.m_copy)) {
+    std::memcpy(destination, source, 16);
+  } else {
+    replicator.m_copy(source, destination, 1);
+  }
+}
+
+/// Whether destroying elements has no effect that anybody could observe.
+inline bool DestroysNothing(HYLBasReplicatorGeneric const& replicator) {
+#define HYLBAS_OR_DESTROYS_ELEMENTS(V)                                                             \
+  || replicator.m_destroy == HYLBasStandardDestroy<HYLBasPair<int const, V>>
+  return replicator.m_destroy == nullptr HYLBAS_FOR_EACH_MAPPED_TYPE(HYLBAS_OR_DESTROYS_ELEMENTS);
+#undef HYLBAS_OR_DESTROYS_ELEMENTS
 }
 
 } // namespace hylbas_detail

@@ -217,6 +217,13 @@ public:
     if (Root()) CopyBelow(Root(), copy, copy.header, 0);
     return copy;
   }
+  /// The comparisons of the self-check of a tree that is whole.
+  void Verify() {
+    for (int x = Root() ? First() : header; x != header; x = Neighbour(x, 1)) {
+      if (int const l = nodes[x].child[0]) Before(At(x), At(l));
+      if (int const r = nodes[x].child[1]) Before(At(r), At(x));
+    }
+  }
   bool IsBefore(PlainTree const& other) {
     int a = First(), b = other.First();
     for (; a != header; a = Neighbour(a, 1), b = other.Neighbour(b, 1)) {
