@@ -9,6 +9,7 @@
 #include "HYLBasGenericsLib.h"
 #include "HYLBasHashValue.h"
 #include "HYLBasInstantiations.h"
+#include "HYLBasMap.h"
 #include "HYLBasMicroAllocator.h"
 #include "HYLBasNodeAllocator.h"
 #include "HYLBasNodeOffsets.h"
