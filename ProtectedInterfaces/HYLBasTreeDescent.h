@@ -6,8 +6,6 @@
 /// the second. `valueOffset` are the bytes from a node to its value, which begins with its key.
 #pragma once
 
-#include <cstddef>
-
 #include "HYLBasComparitor.h"
 #include "HYLBasTreeNodeGeneric.h"
 
@@ -36,27 +34,91 @@ inline char const* ValueOf(HYLBasTreeNodeGeneric const* x, int valueOffset) {
   return reinterpret_cast<char const*>(x) + valueOffset;
 }
 
-/// The left or right child by its address: which one it is cannot be predicted, so that a choice by
-/// a jump would cost more than the rest of the step.
-inline HYLBasTreeNodeGeneric* Child(HYLBasTreeNodeGeneric const* x, bool isRight) {
-  static_assert(offsetof(HYLBasTreeNodeGeneric, m_right) ==
-                offsetof(HYLBasTreeNodeGeneric, m_left) + sizeof(HYLBasTreeNodeGeneric*));
-  auto const* const left =
-      reinterpret_cast<char const*>(x) + offsetof(HYLBasTreeNodeGeneric, m_left);
-  return *reinterpret_cast<HYLBasTreeNodeGeneric* const*>(left +
-                                                          isRight * sizeof(HYLBasTreeNodeGeneric*));
+/// \name Steps down
+/// Each goes from `x` to the child on the side where `key` belongs: to the right where `x` is
+/// before it (`StepToLowerBound`) or not after it (the others), else to the left, where `x` becomes
+/// `bound`.
+/// @{
+template <class Order>
+void StepToLowerBound(HYLBasTreeNodeGeneric*& x, HYLBasTreeNodeGeneric*& bound, int valueOffset,
+                      void const* key, Order order) {
+  bool const goesRight = order(ValueOf(x, valueOffset), key);
+  bound = goesRight ? bound : x;
+  x = goesRight ? x->m_right : x->m_left;
 }
+
+template <class Order>
+void StepToUpperBound(HYLBasTreeNodeGeneric*& x, HYLBasTreeNodeGeneric*& bound, int valueOffset,
+                      void const* key, Order order) {
+  bool const goesLeft = order(key, ValueOf(x, valueOffset));
+  bound = goesLeft ? x : bound;
+  x = goesLeft ? x->m_left : x->m_right;
+}
+
+template <class Order>
+void StepToLeaf(HYLBasTreeNodeGeneric*& x, HYLBasTreeNodeGeneric*& bound, int valueOffset,
+                void const* key, Order order) {
+  bool const goesLeft = order(key, ValueOf(x, valueOffset));
+  bound = goesLeft ? bound : x;
+  x = goesLeft ? x->m_left : x->m_right;
+}
+
+#if defined(__GNUC__) && (defined(__x86_64__) || defined(__i386__))
+// Which way a descent goes cannot be predicted, and a mispredicted jump costs more than all the
+// rest of a step. No way of writing the choices keeps g++ from making jumps of them in one place or
+// another, so these are the conditional moves themselves.
+#define HYLBAS_COMPARE_WITH_KEY "cmp{l}\t{%[key], %[nodeKey]|%[nodeKey], %[key]}\n\t"
+#define HYLBAS_RIGHT_IF(condition) "cmov" condition "\t{%[right], %[x]|%[x], %[right]}"
+#define HYLBAS_BOUND_IF(condition) "cmov" condition "\t{%[node], %[bound]|%[bound], %[node]}\n\t"
+#define HYLBAS_STEP_INPUTS                                                                         \
+  [key] "r"(*static_cast<int const*>(key)), [node] "r"(node),                                      \
+      [nodeKey] "m"(*reinterpret_cast<int const*>(ValueOf(node, valueOffset))),                    \
+      [right] "m"(node->m_right)
+
+inline void StepToLowerBound(HYLBasTreeNodeGeneric*& x, HYLBasTreeNodeGeneric*& bound,
+                             int valueOffset, void const* key, InlinedOrder<int>) {
+  HYLBasTreeNodeGeneric* const node = x;
+  x = node->m_left;
+  asm(HYLBAS_COMPARE_WITH_KEY HYLBAS_BOUND_IF("ge") HYLBAS_RIGHT_IF("l")
+      : [x] "+&r"(x), [bound] "+&r"(bound)
+      : HYLBAS_STEP_INPUTS
+      : "cc");
+}
+
+inline void StepToUpperBound(HYLBasTreeNodeGeneric*& x, HYLBasTreeNodeGeneric*& bound,
+                             int valueOffset, void const* key, InlinedOrder<int>) {
+  HYLBasTreeNodeGeneric* const node = x;
+  x = node->m_left;
+  asm(HYLBAS_COMPARE_WITH_KEY HYLBAS_BOUND_IF("g") HYLBAS_RIGHT_IF("le")
+      : [x] "+&r"(x), [bound] "+&r"(bound)
+      : HYLBAS_STEP_INPUTS
+      : "cc");
+}
+
+inline void StepToLeaf(HYLBasTreeNodeGeneric*& x, HYLBasTreeNodeGeneric*& bound, int valueOffset,
+                       void const* key, InlinedOrder<int>) {
+  HYLBasTreeNodeGeneric* const node = x;
+  x = node->m_left;
+  asm(HYLBAS_COMPARE_WITH_KEY HYLBAS_BOUND_IF("le") HYLBAS_RIGHT_IF("le")
+      : [x] "+&r"(x), [bound] "+&r"(bound)
+      : HYLBAS_STEP_INPUTS
+      : "cc");
+}
+
+#undef HYLBAS_STEP_INPUTS
+#undef HYLBAS_BOUND_IF
+#undef HYLBAS_RIGHT_IF
+#undef HYLBAS_COMPARE_WITH_KEY
+#endif
+/// @}
 
 /// The first node that is not before `key`, or the header.
 template <class Order>
 HYLBasTreeNodeGeneric* LowerBound(HYLBasTreeNodeGeneric* header, int valueOffset, void const* key,
                                   Order order) {
   HYLBasTreeNodeGeneric* y = header;
-  for (HYLBasTreeNodeGeneric* x = header->m_parent; x != nullptr;) {
-    bool const isBefore = order(ValueOf(x, valueOffset), key);
-    y = isBefore ? y : x;
-    x = Child(x, isBefore);
-  }
+  for (HYLBasTreeNodeGeneric* x = header->m_parent; x != nullptr;)
+    StepToLowerBound(x, y, valueOffset, key, order);
   return y;
 }
 
@@ -65,39 +127,28 @@ template <class Order>
 HYLBasTreeNodeGeneric* UpperBound(HYLBasTreeNodeGeneric* header, int valueOffset, void const* key,
                                   Order order) {
   HYLBasTreeNodeGeneric* y = header;
-  for (HYLBasTreeNodeGeneric* x = header->m_parent; x != nullptr;) {
-    bool const isAfter = order(key, ValueOf(x, valueOffset));
-    y = isAfter ? x : y;
-    x = Child(x, !isAfter);
-  }
+  for (HYLBasTreeNodeGeneric* x = header->m_parent; x != nullptr;)
+    StepToUpperBound(x, y, valueOffset, key, order);
   return y;
 }
 
-/// Where a new value belongs in a tree of unique keys, or the value that is there.
-struct NewPlace {
-  HYLBasTreeNodeGeneric* equivalent; ///< null when there is none
-  HYLBasTreeNodeGeneric* parent;
-  bool isLeft;
+/// Where a descent ends that finds the place after all values that are not after its own.
+struct Leaf {
+  HYLBasTreeNodeGeneric* parent; ///< the last node; the header when the tree is empty
+  HYLBasTreeNodeGeneric* before; ///< the neighbour before the place; null when there is none
 };
 
-/// One comparison finds the place of a value that is after all others, as in ascending insertion;
-/// one descent any other. The neighbour before the place is the last node passed to the right.
 template <class Order>
-NewPlace FindPlace(HYLBasTreeNodeGeneric* header, int valueOffset, void const* value, Order order) {
-  NewPlace place{nullptr, header, true};
-  HYLBasTreeNodeGeneric* x = header->m_parent;
-  if (x == nullptr) return place;
-  HYLBasTreeNodeGeneric* const last = header->m_right;
-  if (order(ValueOf(last, valueOffset), value)) return {nullptr, last, false};
-  HYLBasTreeNodeGeneric* before = nullptr;
-  do {
-    place.parent = x;
-    place.isLeft = order(value, ValueOf(x, valueOffset));
-    before = place.isLeft ? before : x;
-    x = Child(x, !place.isLeft);
-  } while (x != nullptr);
-  if (before != nullptr && !order(ValueOf(before, valueOffset), value)) place.equivalent = before;
-  return place;
+Leaf FindLeaf(HYLBasTreeNodeGeneric* header, int valueOffset, void const* value, Order order) {
+  Leaf leaf{header, nullptr};
+  for (HYLBasTreeNodeGeneric* x = header->m_parent; x != nullptr;) {
+    leaf.parent = x;
+    // One is the next node; the other one is wanted for its colour when the tree is balanced.
+    __builtin_prefetch(x->m_left);
+    __builtin_prefetch(x->m_right);
+    StepToLeaf(x, leaf.before, valueOffset, value, order);
+  }
+  return leaf;
 }
 
 /// The first node that is equivalent to `key`, or the header.

@@ -197,6 +197,9 @@ private:
   template <class Order>
   HYLBASGENERICS_LOCAL HYLBasPairIterBoolGeneric InsertUnique(void const* value, Order order);
   template <class Order>
+  HYLBASGENERICS_LOCAL HYLBasPairIterBoolGeneric InsertUniqueUnobserved(void const* value,
+                                                                        Order order);
+  template <class Order>
   HYLBASGENERICS_LOCAL Node* InsertEqual(void const* value, Order order);
   template <class Order>
   HYLBASGENERICS_LOCAL Node* InsertAsChild(Node* x, Node* y, void const* value, Order order);
@@ -205,6 +208,8 @@ private:
                                            Order order);
   HYLBASGENERICS_LOCAL Node* Link(bool isLeft, Node* y, void const* value);
   HYLBASGENERICS_LOCAL void ReleaseNodes(Node* root);
+  HYLBASGENERICS_LOCAL Node* CloneBelow(Node* x, Node* parent);
+  HYLBASGENERICS_LOCAL void CopyChildren(Node* x, Node* copy);
 
   A m_allocator;
   unsigned int m_nodeCount;

@@ -1,12 +1,13 @@
 #include "HYLBasTreeGeneric.h"
 
+#include <cstddef>
+
 #include "HYLBasSwap.h"
 #include "HYLBasTreeIteratorGeneric.h"
 #include "NodeMemory.h"
 #include "PlainData.h"
 
 using hylbas_detail::CalledOrder;
-using hylbas_detail::Child;
 using hylbas_detail::InlinedOrder;
 using hylbas_detail::NodeMemory;
 
@@ -26,7 +27,42 @@ Node* Predecessor(Node* x) {
   return position.m_node;
 }
 
+// By its address, because the side of a new node cannot be predicted.
+Node*& ChildField(Node* x, bool isLeft) {
+  static_assert(offsetof(Node, m_right) == offsetof(Node, m_left) + sizeof(Node*));
+  char* const left = reinterpret_cast<char*>(x) + offsetof(Node, m_left);
+  return *reinterpret_cast<Node**>(left + !isLeft * sizeof(Node*));
+}
+
 bool IsRed(Node const* x) { return x != nullptr && x->m_color == e_red; }
+
+// Nodes still to be visited, the last added one first, behind a short queue of those that have been
+// asked for from memory.
+class PendingNodes {
+public:
+  // False when there is no room.
+  bool Add(Node* x) {
+    if (m_added == sizeof m_stack / sizeof m_stack[0]) return false;
+    m_stack[m_added++] = x;
+    return true;
+  }
+
+  // Null when there is none.
+  Node* Next() {
+    for (; m_asked - m_visited != queueLength && m_added != 0; ++m_asked) {
+      Node* const x = m_stack[--m_added];
+      __builtin_prefetch(x);
+      m_queue[m_asked % queueLength] = x;
+    }
+    return m_visited == m_asked ? nullptr : m_queue[m_visited++ % queueLength];
+  }
+
+private:
+  static constexpr unsigned int queueLength = 8;
+  Node* m_queue[queueLength];
+  Node* m_stack[512]; // more than balanced trees need
+  unsigned int m_added = 0, m_asked = 0, m_visited = 0;
+};
 
 } // namespace
 
@@ -117,14 +153,10 @@ HYLBasPairIterBoolGeneric HYLBasTreeGeneric<A>::InsertUnique(void const* value) 
 template <class A>
 template <class Order>
 HYLBasPairIterBoolGeneric HYLBasTreeGeneric<A>::InsertUnique(void const* value, Order order) {
-  if constexpr (!Order::isObservable) {
-    auto const place = hylbas_detail::FindPlace(m_header, m_offsets.m_valueOffset, value, order);
-    if (place.equivalent != nullptr) return {place.equivalent, false};
-    return {Link(place.isLeft, place.parent, value), true};
-  }
+  if constexpr (!Order::isObservable) return InsertUniqueUnobserved(value, order);
   Node* y = m_header;
   bool before = true;
-  for (Node* x = Root(); x != nullptr; x = Child(x, !before)) {
+  for (Node* x = Root(); x != nullptr; x = before ? x->m_left : x->m_right) {
     y = x;
     before = order(value, Value(x));
   }
@@ -137,6 +169,19 @@ HYLBasPairIterBoolGeneric HYLBasTreeGeneric<A>::InsertUnique(void const* value, 
   return {j, false};
 }
 
+// The same with other comparisons: a value after all others needs only one, as in ascending
+// insertion, and no walk to the predecessor: that is the node where the descent last went right.
+template <class A>
+template <class Order>
+HYLBasPairIterBoolGeneric HYLBasTreeGeneric<A>::InsertUniqueUnobserved(void const* value,
+                                                                       Order order) {
+  if (m_nodeCount != 0 && order(Value(Rightmost()), value))
+    return {Link(false, Rightmost(), value), true};
+  auto const [y, j] = hylbas_detail::FindLeaf(m_header, m_offsets.m_valueOffset, value, order);
+  if (j != nullptr && !order(Value(j), value)) return {j, false};
+  return {Link(y != j, y, value), true};
+}
+
 template <class A>
 Node* HYLBasTreeGeneric<A>::InsertEqual(void const* value) {
   return InOrder([&](auto order) { return InsertEqual(value, order); });
@@ -145,11 +190,7 @@ Node* HYLBasTreeGeneric<A>::InsertEqual(void const* value) {
 template <class A>
 template <class Order>
 Node* HYLBasTreeGeneric<A>::InsertEqual(void const* value, Order order) {
-  Node* y = m_header;
-  for (Node* x = Root(); x != nullptr;) {
-    y = x;
-    x = Child(x, !order(value, Value(x)));
-  }
+  Node* const y = hylbas_detail::FindLeaf(m_header, m_offsets.m_valueOffset, value, order).parent;
   return InsertAsChild(nullptr, y, value, order);
 }
 
@@ -210,17 +251,14 @@ Node* HYLBasTreeGeneric<A>::InsertAsChild(Node* x, Node* y, void const* value, O
 template <class A>
 Node* HYLBasTreeGeneric<A>::Link(bool isLeft, Node* y, void const* value) {
   Node* const node = CreateNode(value);
-  if (isLeft) {
-    y->m_left = node; // the header's left is the leftmost node
-    if (y == m_header) {
-      Root() = node;
-      Rightmost() = node;
-    } else if (y == Leftmost()) {
-      Leftmost() = node;
-    }
-  } else {
-    y->m_right = node;
-    if (y == Rightmost()) Rightmost() = node;
+  ChildField(y, isLeft) = node; // the header's left is the leftmost node
+  if (y == m_header) {
+    Root() = node;
+    Rightmost() = node;
+  } else if (y == Leftmost() && isLeft) {
+    Leftmost() = node;
+  } else if (y == Rightmost() && !isLeft) {
+    Rightmost() = node;
   }
   node->m_parent = y;
   node->m_left = nullptr;
@@ -264,10 +302,19 @@ void HYLBasTreeGeneric<A>::Clear() {
   m_nodeCount = 0;
 }
 
-// What TreeNodeErase does where values need no destruction: nobody can tell the order.
+// What TreeNodeErase does where values need no destruction: nobody can tell the order, so that the
+// next nodes can be on their way from memory while one is released.
 template <class A>
 void HYLBasTreeGeneric<A>::ReleaseNodes(Node* root) {
-  if constexpr (NodeMemory<A>::releasesNodes) TreeNodeErase(root);
+  if constexpr (NodeMemory<A>::releasesNodes) {
+    PendingNodes pending;
+    pending.Add(root);
+    while (Node* const x = pending.Next()) {
+      for (Node* const child : {x->m_left, x->m_right})
+        if (child != nullptr && !pending.Add(child)) ReleaseNodes(child);
+      DeallocateNode(x);
+    }
+  }
 }
 
 // A destroyed node's left subtree takes its place. So everything that is still to be destroyed
@@ -406,25 +453,58 @@ Node* HYLBasTreeGeneric<A>::TreeCopy(Node* x, Node* p) {
   Node* const top = CloneNode(x);
   top->m_parent = p;
   try {
-    for (Node* copy = top;;) {
-      bool const goesRight = x->m_right != nullptr && copy->m_right == nullptr;
-      Node* const child = goesRight ? x->m_right : x->m_left;
-      if (goesRight || (child != nullptr && copy->m_left == nullptr)) {
-        Node* const clone = CloneNode(child);
-        clone->m_parent = copy;
-        (goesRight ? copy->m_right : copy->m_left) = clone;
-        x = child;
-        copy = clone;
-      } else if (copy == top) {
-        return top;
-      } else {
-        x = x->m_parent;
-        copy = copy->m_parent;
-      }
-    }
+    CopyChildren(x, top);
   } catch (...) {
     TreeNodeErase(top);
     throw;
+  }
+  return top;
+}
+
+template <class A>
+Node* HYLBasTreeGeneric<A>::CloneBelow(Node* x, Node* parent) {
+  Node* const clone = CloneNode(x);
+  clone->m_parent = parent;
+  return clone;
+}
+
+// Of the nodes on the way right, the left subtrees are still to be copied, the last one first. More
+// of them than balanced trees have are left to another call.
+template <class A>
+void HYLBasTreeGeneric<A>::CopyChildren(Node* x, Node* copy) {
+  struct Pending {
+    Node* left;
+    Node* copy;
+  };
+  constexpr int room = 64;
+  Pending pending[room];
+  for (int count = 0;;) {
+    if (x->m_left != nullptr) {
+      if (count == room) {
+        if (x->m_right != nullptr) {
+          copy->m_right = CloneBelow(x->m_right, copy);
+          CopyChildren(x->m_right, copy->m_right);
+        }
+        copy->m_left = CloneBelow(x->m_left, copy);
+        x = x->m_left;
+        copy = copy->m_left;
+        continue;
+      }
+      __builtin_prefetch(x->m_left);
+      pending[count++] = {x->m_left, copy};
+    }
+    if (x->m_right != nullptr) {
+      copy->m_right = CloneBelow(x->m_right, copy);
+      x = x->m_right;
+      copy = copy->m_right;
+    } else if (count != 0) {
+      Pending const next = pending[--count];
+      next.copy->m_left = CloneBelow(next.left, next.copy);
+      x = next.left;
+      copy = next.copy->m_left;
+    } else {
+      return;
+    }
   }
 }
 

@@ -28,27 +28,22 @@ inline bool IsPlainData(HYLBasReplicatorGeneric const& replicator) {
   }
 }
 
-/// Whether `copy` is the library's own function for the elements of maps of that size.
-template <std::size_t elementSize>
-bool CopiesMapElements(HYLBasReplicatorGeneric::CopyFunction copy) {
-#define HYLBAS_OR_COPIES_ELEMENTS(V)                                                               \
-  || (sizeof(HYLBasPair<int const, V>) == elementSize &&                                           \
-      copy == HYLBasStandardCopy<HYLBasPair<int const, V>>)
-  return false HYLBAS_FOR_EACH_MAPPED_TYPE(HYLBAS_OR_COPIES_ELEMENTS);
-#undef HYLBAS_OR_COPIES_ELEMENTS
-}
-
-/// Copies one element: by the replicator's function, or without a call where nobody can tell. The
-/// bytes between the fields of a map's element have no value that could be lost.
+/// Copies one element: by the replicator's function, or without a call where nobody can tell. Field
+/// by field, because a load that spans two stores has to wait for both.
 inline void CopyOne(HYLBasReplicatorGeneric const& replicator, void const* source,
                     void* destination) {
-  if (replicator.m_size == 8 && CopiesMapElements<8>(replicator.m_copy)) {
-    std::memcpy(destination, source, 8);
-  } else if (replicator.m_size == 16 && CopiesMapElements<16>(replicator.m_copy)) {
-    std::memcpy(destination, source, 16);
-  } else {
-    replicator.m_copy(source, destination, 1);
+#define HYLBAS_COPY_ELEMENT(V)                                                                     \
+  if (copy == HYLBasStandardCopy<HYLBasPair<int const, V>>) {                                      \
+    new (destination, HYLBasPlacement())                                                           \
+        HYLBasPair<int const, V>(*static_cast<HYLBasPair<int const, V> const*>(source));           \
+    return;                                                                                        \
   }
+  HYLBasReplicatorGeneric::CopyFunction const copy = replicator.m_copy;
+  HYLBAS_COPY_ELEMENT(double)
+  HYLBAS_COPY_ELEMENT(int)
+  HYLBAS_COPY_ELEMENT(float)
+  copy(source, destination, 1);
+#undef HYLBAS_COPY_ELEMENT
 }
 
 /// Whether destroying elements has no effect that anybody could observe.
