@@ -3,6 +3,7 @@
 #pragma once
 
 #include "HYLBasExport.h"
+#include "TARNHYLBasAlloc.h"
 
 /// Holds no data.
 class HYLBASGENERICS_EXPORT HYLBasNodeAllocator {
@@ -10,7 +11,9 @@ public:
   HYLBASGENERICS_EXPORT_INLINE HYLBasNodeAllocator() {}
 
   /// `mem_Malloc_Handled(bytes)`: never null. A negative size counts as its value modulo 2^32.
-  static void* allocate(int bytes);
+  HYLBASGENERICS_EXPORT_INLINE static void* allocate(int bytes) {
+    return mem_Malloc_Handled(static_cast<unsigned int>(bytes));
+  }
   /// `mem_Free(p)`; the size is not used.
-  static void deallocate(void* p, int bytes);
+  HYLBASGENERICS_EXPORT_INLINE static void deallocate(void* p, int /*bytes*/) { mem_Free(p); }
 };

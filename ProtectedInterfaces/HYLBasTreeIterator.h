@@ -2,21 +2,73 @@
 /// The typed iterator of the ordered maps.
 #pragma once
 
+#include <cstddef>
+#include <iterator>
+#include <type_traits>
+
 #include "HYLBasExport.h"
 #include "HYLBasInstantiations.h"
 #include "HYLBasPair.h"
+#include "HYLBasTreeIteratorGeneric.h"
 #include "HYLBasTreeNodeGeneric.h"
 
 /// A position in an ordered map: `T` is the element type, `Reference` and `Pointer` are how it is
 /// handed out. Holds nothing but its node; the end position is the tree's header. An iterator stays
-/// valid until its own element is erased.
+/// valid until its own element is erased; stepping and access cost what they cost on
+/// `HYLBasTreeIteratorGeneric`, and are inline.
+///
+/// Serves range-`for` and the standard algorithms over iterators that only step by `++it`. There is
+/// no step back, no `it++`, no ordering. The modifying kind converts to the other one.
 template <class T, class Reference, class Pointer>
 class HYLBASGENERICS_EXPORT HYLBasTreeIterator {
+  using IsModifying = std::is_same<Pointer, T*>;
+  using Modifying = HYLBasTreeIterator<T, T&, T*>;
+  using Reading = HYLBasTreeIterator<T, T const&, T const*>;
+
 public:
+  using iterator_category = std::forward_iterator_tag;
+  using value_type = T;
+  using difference_type = std::ptrdiff_t;
+  using reference = Reference;
+  using pointer = Pointer;
+
   /// The position of `node`.
   HYLBasTreeIterator(HYLBasTreeNodeGeneric* node) : m_node(node) {}
+  HYLBasTreeIterator(HYLBasTreeIteratorGeneric const& position) : m_node(position.m_node) {}
+  HYLBasTreeIterator(HYLBasTreeIterator const& other) : m_node(other.m_node) {}
+  HYLBasTreeIterator(Modifying const& other) requires(!IsModifying::value) : m_node(other.m_node) {}
+  HYLBasTreeIterator& operator=(HYLBasTreeIterator const& other) = default;
+
+  /// \name Whether both are the same position
+  /// @{
+  bool operator==(HYLBasTreeIterator const& other) const { return Generic().Equal(other.m_node); }
+  bool operator!=(HYLBasTreeIterator const& other) const {
+    return Generic().NotEqual(other.m_node);
+  }
+  bool operator==(Reading const& other) const requires IsModifying::value {
+    return Generic().Equal(other.m_node);
+  }
+  bool operator!=(Reading const& other) const requires IsModifying::value {
+    return Generic().NotEqual(other.m_node);
+  }
+  /// @}
+
+  /// The element; not defined at the end position.
+  Reference operator*() const { return *operator->(); }
+  Pointer operator->() const { return static_cast<Pointer>(Generic().Dereference()); }
+
+  /// Moves to the next element; not defined at the end position.
+  HYLBasTreeIterator& operator++() {
+    HYLBasTreeIteratorGeneric position(m_node);
+    position.Next();
+    m_node = position.m_node;
+    return *this;
+  }
 
   HYLBasTreeNodeGeneric* m_node;
+
+private:
+  HYLBASGENERICS_LOCAL HYLBasTreeIteratorGeneric Generic() const { return {m_node}; }
 };
 
 namespace hylbas_detail {
@@ -29,13 +81,22 @@ using MapConstIterator =
     HYLBasTreeIterator<MapElement<V>, MapElement<V> const&, MapElement<V> const*>;
 } // namespace hylbas_detail
 
-// What a map returns for a range of equal keys and for an insertion; instantiated in the library.
+// Instantiated in the library, with what a map returns for a range of equal keys and for an
+// insertion.
 #define HYLBAS_DECLARE_PAIR_OF(A, B)                                                               \
   extern template HYLBASGENERICS_EXPORT HYLBasPair<A, B>::HYLBasPair(A const&, B const&);
 #define HYLBAS_DECLARE_ITERATOR_PAIRS(V)                                                           \
   HYLBAS_DECLARE_PAIR_OF(hylbas_detail::MapIterator<V>, hylbas_detail::MapIterator<V>)             \
   HYLBAS_DECLARE_PAIR_OF(hylbas_detail::MapConstIterator<V>, hylbas_detail::MapConstIterator<V>)   \
   HYLBAS_DECLARE_PAIR_OF(hylbas_detail::MapIterator<V>, bool)
+#define HYLBAS_DECLARE_ITERATORS(V)                                                                \
+  extern template class HYLBasTreeIterator<                                                        \
+      hylbas_detail::MapElement<V>, hylbas_detail::MapElement<V>&, hylbas_detail::MapElement<V>*>; \
+  extern template class HYLBasTreeIterator<hylbas_detail::MapElement<V>,                           \
+                                           hylbas_detail::MapElement<V> const&,                    \
+                                           hylbas_detail::MapElement<V> const*>;
+HYLBAS_FOR_EACH_MAPPED_TYPE(HYLBAS_DECLARE_ITERATORS)
 HYLBAS_FOR_EACH_MAPPED_TYPE(HYLBAS_DECLARE_ITERATOR_PAIRS)
+#undef HYLBAS_DECLARE_ITERATORS
 #undef HYLBAS_DECLARE_ITERATOR_PAIRS
 #undef HYLBAS_DECLARE_PAIR_OF

@@ -1,7 +1,9 @@
 /// \file
-/// Recognition of the library's own plain-data copy, whose calls nobody can observe: where a
-/// replicator carries it, a block move or a typed store does what its calls would do.
+/// Recognition of the library's own copy and destroy functions, whose calls nobody can observe:
+/// where a replicator carries them, a block move or a typed store does what the calls would do.
 #pragma once
+
+#include <cstring>
 
 #include "HYLBasReplicator.h"
 
@@ -24,6 +26,32 @@ inline bool IsPlainData(HYLBasReplicatorGeneric const& replicator) {
   default:
     return false;
   }
+}
+
+/// Copies one element: by the replicator's function, or without a call where nobody can tell. Field
+/// by field, because a load that spans two stores has to wait for both.
+inline void CopyOne(HYLBasReplicatorGeneric const& replicator, void const* source,
+                    void* destination) {
+#define HYLBAS_COPY_ELEMENT(V)                                                                     \
+  if (copy == HYLBasStandardCopy<HYLBasPair<int const, V>>) {                                      \
+    new (destination, HYLBasPlacement())                                                           \
+        HYLBasPair<int const, V>(*static_cast<HYLBasPair<int const, V> const*>(source));           \
+    return;                                                                                        \
+  }
+  HYLBasReplicatorGeneric::CopyFunction const copy = replicator.m_copy;
+  HYLBAS_COPY_ELEMENT(double)
+  HYLBAS_COPY_ELEMENT(int)
+  HYLBAS_COPY_ELEMENT(float)
+  copy(source, destination, 1);
+#undef HYLBAS_COPY_ELEMENT
+}
+
+/// Whether destroying elements has no effect that anybody could observe.
+inline bool DestroysNothing(HYLBasReplicatorGeneric const& replicator) {
+#define HYLBAS_OR_DESTROYS_ELEMENTS(V)                                                             \
+  || replicator.m_destroy == HYLBasStandardDestroy<HYLBasPair<int const, V>>
+  return replicator.m_destroy == nullptr HYLBAS_FOR_EACH_MAPPED_TYPE(HYLBAS_OR_DESTROYS_ELEMENTS);
+#undef HYLBAS_OR_DESTROYS_ELEMENTS
 }
 
 } // namespace hylbas_detail

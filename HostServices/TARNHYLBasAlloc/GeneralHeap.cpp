@@ -3,7 +3,10 @@
 #include "Exhaustion.h"
 #include "TARNHYLBasAlloc.h"
 
-void* mem_Malloc_Handled(unsigned int size) { return hylbas_detail::AllocateHandled(size); }
+void* mem_Malloc_Handled(unsigned int size) {
+  if (void* const block = hylbas_detail::TryAllocate(size)) return block;
+  return hylbas_detail::AllocateHandled(size);
+}
 
 void* mem_Malloc(unsigned int size) { return hylbas_detail::TryAllocate(size); }
 

@@ -1,0 +1,221 @@
+/// \file
+/// The typed ordered map, with the member names of a standard map.
+///
+/// Take it for values by `int` key in increasing order of keys. It is a `HYLBasTreeGeneric` with
+/// typed names: one block of the memory library's general heap per element, and elements keep
+/// their address, and positions stay valid, until they are erased. Lookups and steps are inline;
+/// everything else is one call into the library. `docs/maps.md` says when another map is faster.
+///
+/// It differs from `std::map` in these points: counts are 32 bits; iterators only step forward, by
+/// `++it`; exhausted memory ends the process instead of throwing; `Insert` and `InsertOver` take
+/// key and value and say whether an existing value is kept or replaced.
+///
+/// No argument is checked. An iterator given to `erase` or as a hint must belong to the map, and
+/// that of `erase` must not be `end()`. One thread at a time per map.
+#pragma once
+
+#include <cstddef>
+#include <type_traits>
+
+#include "HYLBasComparitor.h"
+#include "HYLBasExport.h"
+#include "HYLBasInstantiations.h"
+#include "HYLBasNodeAllocator.h"
+#include "HYLBasNodeOffsets.h"
+#include "HYLBasPair.h"
+#include "HYLBasPairIterBoolGeneric.h"
+#include "HYLBasReplicator.h"
+#include "HYLBasTreeDescent.h"
+#include "HYLBasTreeGeneric.h"
+#include "HYLBasTreeIterator.h"
+#include "HYLBasTreeNodeGeneric.h"
+
+namespace hylbas_detail {
+
+/// Bytes from a node to a value of type `T`.
+template <class T>
+inline constexpr int valueOffset =
+    static_cast<int>((sizeof(HYLBasTreeNodeGeneric) + alignof(T) - 1) / alignof(T) * alignof(T));
+
+/// Bytes of a whole node with a value of type `T`.
+template <class T>
+inline constexpr int nodeSize = valueOffset<T> + static_cast<int>(sizeof(T));
+
+static_assert(sizeof(void*) != 4 ||
+              (valueOffset<MapElement<char>> == 20 && nodeSize<MapElement<char>> == 28));
+static_assert(sizeof(void*) != 4 ||
+              (valueOffset<MapElement<double>> == 24 && nodeSize<MapElement<double>> == 40));
+
+} // namespace hylbas_detail
+
+template <class K, class V>
+class HYLBASGENERICS_EXPORT HYLBasMap {
+  static_assert(std::is_same_v<K, int>, "the keys of a HYLBasMap are int");
+
+public:
+  using key_type = K;
+  using mapped_type = V;
+  using value_type = HYLBasPair<K const, V>;
+  using size_type = unsigned int;
+  using difference_type = std::ptrdiff_t;
+  using reference = value_type&;
+  using const_reference = value_type const&;
+  using iterator = HYLBasTreeIterator<value_type, value_type&, value_type*>;
+  using const_iterator = HYLBasTreeIterator<value_type, value_type const&, value_type const*>;
+
+  /// \name Construction
+  /// Copying and assigning a map copies its elements, linear in their number; destroying it
+  /// releases them.
+  /// @{
+  HYLBasMap()
+      : m_tree(getOffsets(), HYLBasGetReplicator<value_type>(),
+               HYLBasComparitor<K>::GetComparitor(), nullptr) {}
+  /// The elements of an array; of several with the same key, the first.
+  HYLBasMap(value_type const* first, value_type const* last) : HYLBasMap() { insert(first, last); }
+  /// The elements of a range of another map.
+  HYLBasMap(const_iterator first, const_iterator last) : HYLBasMap() { insert(first, last); }
+  /// @}
+
+  /// \name Iteration and size
+  /// Constant time.
+  /// @{
+  iterator begin() { return m_tree.Begin(); }
+  const_iterator begin() const { return m_tree.Begin(); }
+  iterator end() { return m_tree.End(); }
+  const_iterator end() const { return m_tree.End(); }
+  unsigned int size() const { return m_tree.Size(); }
+  /// 4294967295.
+  unsigned int max_size() const { return m_tree.MaxSize(); }
+  bool empty() const { return m_tree.Empty(); }
+  /// @}
+
+  /// \name Lookup
+  /// O(log n).
+  /// @{
+
+  /// The value of `key`, which is inserted with value zero when it is absent.
+  V& operator[](K const& key) {
+    HYLBasTreeNodeGeneric* position = LowerBound(key);
+    if (position == m_tree.End() || key < Element(position)->first) {
+      value_type const element(key, V());
+      position = m_tree.InsertUniqueAtPosition(position, &element);
+    }
+    return Element(position)->second;
+  }
+  /// The element with `key`, or `end()`.
+  iterator find(K const& key) { return Find(key); }
+  const_iterator find(K const& key) const { return Find(key); }
+  /// 1 when `key` is present, else 0.
+  unsigned int count(K const& key) const { return Find(key) != m_tree.End() ? 1 : 0; }
+  /// The first element whose key is not below `key`.
+  iterator lower_bound(K const& key) { return LowerBound(key); }
+  const_iterator lower_bound(K const& key) const { return LowerBound(key); }
+  /// The first element whose key is above `key`.
+  iterator upper_bound(K const& key) { return UpperBound(key); }
+  const_iterator upper_bound(K const& key) const { return UpperBound(key); }
+  /// (`lower_bound(key)`, `upper_bound(key)`)
+  HYLBasPair<iterator, iterator> equal_range(K const& key) {
+    return {lower_bound(key), upper_bound(key)};
+  }
+  HYLBasPair<const_iterator, const_iterator> equal_range(K const& key) const {
+    return {lower_bound(key), upper_bound(key)};
+  }
+  /// @}
+
+  /// \name Insertion
+  /// O(log n) for each element; amortised constant time with the position directly after it as a
+  /// hint. Invalidates nothing. On exhausted memory the map is unchanged.
+  /// @{
+
+  /// The element with `key`: the new one, or the existing one, which keeps its value.
+  iterator Insert(K const& key, V const& value) {
+    value_type const element(key, value);
+    return m_tree.InsertUnique(&element).first;
+  }
+  /// The element with `key`, whose value is `value` afterwards.
+  iterator InsertOver(K const& key, V const& value) {
+    value_type const element(key, value);
+    HYLBasPairIterBoolGeneric const result = m_tree.InsertUnique(&element);
+    if (!result.second) Element(result.first)->second = value;
+    return result.first;
+  }
+  /// The element with the key of `element`, and whether it was inserted; an existing one keeps its
+  /// value.
+  HYLBasPair<iterator, bool> insert(value_type const& element) {
+    return fromGeneric(m_tree.InsertUnique(&element));
+  }
+  /// The same, with a hint: the position that the new element will come directly before.
+  iterator insert(iterator position, value_type const& element) {
+    return m_tree.InsertUniqueAtPosition(position.m_node, &element);
+  }
+  /// Inserts the elements of an array whose keys are absent.
+  void insert(value_type const* first, value_type const* last) {
+    for (; first != last; ++first)
+      m_tree.InsertUnique(first);
+  }
+  /// Inserts the elements of a range whose keys are absent.
+  void insert(const_iterator first, const_iterator last) {
+    for (; first != last; ++first)
+      m_tree.InsertUnique(&*first);
+  }
+  /// @}
+
+  /// \name Removal
+  /// Invalidates positions of removed elements only.
+  /// @{
+  void erase(iterator position) { m_tree.Erase(position.m_node); }
+  /// Removes [`first`, `last`).
+  void erase(iterator first, iterator last) { m_tree.Erase(first.m_node, last.m_node); }
+  /// Removes the element with `key`; returns how many there were, 1 or 0.
+  unsigned int erase(K const& key) {
+    HYLBasTreeNodeGeneric* const position = Find(key);
+    if (position == m_tree.End()) return 0;
+    m_tree.Erase(position);
+    return 1;
+  }
+  /// Removes the element of every key of the array; absent keys are skipped.
+  void erase(K const* first, K const* last) {
+    for (; first != last; ++first)
+      erase(*first);
+  }
+  /// Linear.
+  void clear() { m_tree.Clear(); }
+  /// @}
+
+  /// Exchanges the contents in constant time; positions stay valid and belong to the other map.
+  void swap(HYLBasMap& other) { m_tree.Swap(&other.m_tree); }
+
+private:
+  using Order = hylbas_detail::InlinedOrder<K>;
+
+  static HYLBasNodeOffsets getOffsets() {
+    return {hylbas_detail::valueOffset<value_type>, hylbas_detail::nodeSize<value_type>};
+  }
+  static HYLBasPair<iterator, bool> fromGeneric(HYLBasPairIterBoolGeneric const& g) {
+    return {g.first, g.second};
+  }
+
+  HYLBASGENERICS_LOCAL static value_type* Element(HYLBasTreeNodeGeneric* node) {
+    return iterator(node).operator->();
+  }
+
+  // What the tree's own lookups find, without a call: to a small map that is half of the time.
+  HYLBASGENERICS_LOCAL HYLBasTreeNodeGeneric* Find(K const& key) const {
+    return hylbas_detail::Find(m_tree.End(), hylbas_detail::valueOffset<value_type>, &key, Order());
+  }
+  HYLBASGENERICS_LOCAL HYLBasTreeNodeGeneric* LowerBound(K const& key) const {
+    return hylbas_detail::LowerBound(m_tree.End(), hylbas_detail::valueOffset<value_type>, &key,
+                                     Order());
+  }
+  HYLBASGENERICS_LOCAL HYLBasTreeNodeGeneric* UpperBound(K const& key) const {
+    return hylbas_detail::UpperBound(m_tree.End(), hylbas_detail::valueOffset<value_type>, &key,
+                                     Order());
+  }
+
+  HYLBasTreeGeneric<HYLBasNodeAllocator> m_tree;
+};
+
+// The instantiations live in the library.
+#define HYLBAS_DECLARE_MAP(V) extern template class HYLBasMap<int, V>;
+HYLBAS_FOR_EACH_MAPPED_TYPE(HYLBAS_DECLARE_MAP)
+#undef HYLBAS_DECLARE_MAP

@@ -1,0 +1,15 @@
+/// \file
+/// The result of inserting into a tree of unique keys.
+#pragma once
+
+#include "HYLBasExport.h"
+#include "HYLBasTreeNodeGeneric.h"
+
+class HYLBASGENERICS_EXPORT HYLBasPairIterBoolGeneric {
+public:
+  HYLBASGENERICS_EXPORT_INLINE HYLBasPairIterBoolGeneric(HYLBasTreeNodeGeneric* node, bool inserted)
+      : first(node), second(inserted) {}
+
+  HYLBasTreeNodeGeneric* first; ///< the node that holds the key
+  bool second;                  ///< whether it was inserted
+};

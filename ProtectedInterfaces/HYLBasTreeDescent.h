@@ -1,0 +1,162 @@
+/// \file
+/// The ways from a tree's root down to a key, written once for the type-erased trees and for the
+/// typed maps. Used by their headers; there is nothing here for anybody else.
+///
+/// An order is a function object of two key addresses, true when the first comes strictly before
+/// the second. `valueOffset` are the bytes from a node to its value, which begins with its key.
+#pragma once
+
+#include "HYLBasComparitor.h"
+#include "HYLBasTreeNodeGeneric.h"
+
+namespace hylbas_detail {
+
+/// Every comparison is one call of the tree's comparator function.
+struct CalledOrder {
+  static constexpr bool isObservable = true;
+  HYLBasCompareFunction m_compare;
+  void const* m_context;
+
+  bool operator()(void const* a, void const* b) const { return m_compare(a, b, m_context); }
+};
+
+/// What the calls of `HYLBasStandardComparitor<T>` say, without calls: nobody can count them.
+template <class T>
+struct InlinedOrder {
+  static constexpr bool isObservable = false;
+
+  bool operator()(void const* a, void const* b) const {
+    return *static_cast<T const*>(a) < *static_cast<T const*>(b);
+  }
+};
+
+inline char const* ValueOf(HYLBasTreeNodeGeneric const* x, int valueOffset) {
+  return reinterpret_cast<char const*>(x) + valueOffset;
+}
+
+/// \name Steps down
+/// Each goes from `x` to the child on the side where `key` belongs: to the right where `x` is
+/// before it (`StepToLowerBound`) or not after it (the others), else to the left, where `x` becomes
+/// `bound`.
+/// @{
+template <class Order>
+void StepToLowerBound(HYLBasTreeNodeGeneric*& x, HYLBasTreeNodeGeneric*& bound, int valueOffset,
+                      void const* key, Order order) {
+  bool const goesRight = order(ValueOf(x, valueOffset), key);
+  bound = goesRight ? bound : x;
+  x = goesRight ? x->m_right : x->m_left;
+}
+
+template <class Order>
+void StepToUpperBound(HYLBasTreeNodeGeneric*& x, HYLBasTreeNodeGeneric*& bound, int valueOffset,
+                      void const* key, Order order) {
+  bool const goesLeft = order(key, ValueOf(x, valueOffset));
+  bound = goesLeft ? x : bound;
+  x = goesLeft ? x->m_left : x->m_right;
+}
+
+template <class Order>
+void StepToLeaf(HYLBasTreeNodeGeneric*& x, HYLBasTreeNodeGeneric*& bound, int valueOffset,
+                void const* key, Order order) {
+  bool const goesLeft = order(key, ValueOf(x, valueOffset));
+  bound = goesLeft ? bound : x;
+  x = goesLeft ? x->m_left : x->m_right;
+}
+
+#if defined(__GNUC__) && (defined(__x86_64__) || defined(__i386__))
+// Which way a descent goes cannot be predicted, and a mispredicted jump costs more than all the
+// rest of a step. No way of writing the choices keeps g++ from making jumps of them in one place or
+// another, so these are the conditional moves themselves.
+#define HYLBAS_COMPARE_WITH_KEY "cmp{l}\t{%[key], %[nodeKey]|%[nodeKey], %[key]}\n\t"
+#define HYLBAS_RIGHT_IF(condition) "cmov" condition "\t{%[right], %[x]|%[x], %[right]}"
+#define HYLBAS_BOUND_IF(condition) "cmov" condition "\t{%[node], %[bound]|%[bound], %[node]}\n\t"
+#define HYLBAS_STEP_INPUTS                                                                         \
+  [key] "r"(*static_cast<int const*>(key)), [node] "r"(node),                                      \
+      [nodeKey] "m"(*reinterpret_cast<int const*>(ValueOf(node, valueOffset))),                    \
+      [right] "m"(node->m_right)
+
+inline void StepToLowerBound(HYLBasTreeNodeGeneric*& x, HYLBasTreeNodeGeneric*& bound,
+                             int valueOffset, void const* key, InlinedOrder<int>) {
+  HYLBasTreeNodeGeneric* const node = x;
+  x = node->m_left;
+  asm(HYLBAS_COMPARE_WITH_KEY HYLBAS_BOUND_IF("ge") HYLBAS_RIGHT_IF("l")
+      : [x] "+&r"(x), [bound] "+&r"(bound)
+      : HYLBAS_STEP_INPUTS
+      : "cc");
+}
+
+inline void StepToUpperBound(HYLBasTreeNodeGeneric*& x, HYLBasTreeNodeGeneric*& bound,
+                             int valueOffset, void const* key, InlinedOrder<int>) {
+  HYLBasTreeNodeGeneric* const node = x;
+  x = node->m_left;
+  asm(HYLBAS_COMPARE_WITH_KEY HYLBAS_BOUND_IF("g") HYLBAS_RIGHT_IF("le")
+      : [x] "+&r"(x), [bound] "+&r"(bound)
+      : HYLBAS_STEP_INPUTS
+      : "cc");
+}
+
+inline void StepToLeaf(HYLBasTreeNodeGeneric*& x, HYLBasTreeNodeGeneric*& bound, int valueOffset,
+                       void const* key, InlinedOrder<int>) {
+  HYLBasTreeNodeGeneric* const node = x;
+  x = node->m_left;
+  asm(HYLBAS_COMPARE_WITH_KEY HYLBAS_BOUND_IF("le") HYLBAS_RIGHT_IF("le")
+      : [x] "+&r"(x), [bound] "+&r"(bound)
+      : HYLBAS_STEP_INPUTS
+      : "cc");
+}
+
+#undef HYLBAS_STEP_INPUTS
+#undef HYLBAS_BOUND_IF
+#undef HYLBAS_RIGHT_IF
+#undef HYLBAS_COMPARE_WITH_KEY
+#endif
+/// @}
+
+/// The first node that is not before `key`, or the header.
+template <class Order>
+HYLBasTreeNodeGeneric* LowerBound(HYLBasTreeNodeGeneric* header, int valueOffset, void const* key,
+                                  Order order) {
+  HYLBasTreeNodeGeneric* y = header;
+  for (HYLBasTreeNodeGeneric* x = header->m_parent; x != nullptr;)
+    StepToLowerBound(x, y, valueOffset, key, order);
+  return y;
+}
+
+/// The first node that is after `key`, or the header.
+template <class Order>
+HYLBasTreeNodeGeneric* UpperBound(HYLBasTreeNodeGeneric* header, int valueOffset, void const* key,
+                                  Order order) {
+  HYLBasTreeNodeGeneric* y = header;
+  for (HYLBasTreeNodeGeneric* x = header->m_parent; x != nullptr;)
+    StepToUpperBound(x, y, valueOffset, key, order);
+  return y;
+}
+
+/// Where a descent ends that finds the place after all values that are not after its own.
+struct Leaf {
+  HYLBasTreeNodeGeneric* parent; ///< the last node; the header when the tree is empty
+  HYLBasTreeNodeGeneric* before; ///< the neighbour before the place; null when there is none
+};
+
+template <class Order>
+Leaf FindLeaf(HYLBasTreeNodeGeneric* header, int valueOffset, void const* value, Order order) {
+  Leaf leaf{header, nullptr};
+  for (HYLBasTreeNodeGeneric* x = header->m_parent; x != nullptr;) {
+    leaf.parent = x;
+    // One is the next node; the other one is wanted for its colour when the tree is balanced.
+    __builtin_prefetch(x->m_left);
+    __builtin_prefetch(x->m_right);
+    StepToLeaf(x, leaf.before, valueOffset, value, order);
+  }
+  return leaf;
+}
+
+/// The first node that is equivalent to `key`, or the header.
+template <class Order>
+HYLBasTreeNodeGeneric* Find(HYLBasTreeNodeGeneric* header, int valueOffset, void const* key,
+                            Order order) {
+  HYLBasTreeNodeGeneric* const y = LowerBound(header, valueOffset, key, order);
+  return y == header || order(key, ValueOf(y, valueOffset)) ? header : y;
+}
+
+} // namespace hylbas_detail

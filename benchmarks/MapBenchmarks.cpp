@@ -1,0 +1,232 @@
+// The typed map beside its peers: the same body for all of them. Every run starts from a heap in
+// which no freed blocks of earlier runs lie about.
+#include <algorithm>
+#include <map>
+#include <memory>
+#include <random>
+#include <vector>
+
+#include <absl/container/btree_map.h>
+#include <boost/container/map.hpp>
+#if defined(__GLIBC__)
+#include <malloc.h>
+#endif
+
+#include "Compare.h"
+#include "HYLBasMap.h"
+
+namespace {
+
+using benchmark::State;
+
+constexpr unsigned int mostLookups = 100000;
+
+void TidyHeap() {
+#if defined(__GLIBC__)
+  malloc_trim(0);
+#endif
+}
+
+using Keys = std::vector<int>;
+
+Keys Ascending(unsigned int n) {
+  Keys keys(n);
+  for (unsigned int i = 0; i != n; ++i)
+    keys[i] = 2 * static_cast<int>(i);
+  return keys;
+}
+
+// The same keys in several orders, taken in turn: a processor learns the jumps that one order of a
+// thousand keys takes when it comes again and again.
+class Orders {
+public:
+  Orders(unsigned int n, unsigned int seed) {
+    std::mt19937 random(seed);
+    for (unsigned int keys = 0; keys < 100000; keys += n) {
+      m_orders.push_back(Ascending(n));
+      std::shuffle(m_orders.back().begin(), m_orders.back().end(), random);
+    }
+  }
+  Keys const& Next() { return m_orders[m_next++ % m_orders.size()]; }
+
+private:
+  std::vector<Keys> m_orders;
+  std::size_t m_next = 0;
+};
+
+template <class M>
+void InsertAll(M& map, Keys const& keys) {
+  for (int const key : keys)
+    map.insert(typename M::value_type(key, static_cast<typename M::mapped_type>(key)));
+}
+
+template <class M>
+void IndexAll(M& map, Keys const& keys) {
+  for (int const key : keys)
+    map[key] = 1;
+}
+
+// Fills an empty map again and again; emptying it is not measured.
+template <class M, class NextKeys, class Fill>
+void FillRepeatedly(State& state, NextKeys nextKeys, Fill fill) {
+  TidyHeap();
+  M map;
+  for (auto _ : state) {
+    fill(map, nextKeys());
+    state.PauseTiming();
+    map.clear();
+    state.ResumeTiming();
+  }
+}
+
+template <class M>
+void InsertRandom(State& state, unsigned int n) {
+  Orders orders(n, 1);
+  FillRepeatedly<M>(
+      state, [&]() -> Keys const& { return orders.Next(); }, InsertAll<M>);
+}
+
+template <class M>
+void InsertAscending(State& state, unsigned int n) {
+  Keys const keys = Ascending(n);
+  FillRepeatedly<M>(
+      state, [&]() -> Keys const& { return keys; }, InsertAll<M>);
+}
+
+template <class M>
+void IndexNew(State& state, unsigned int n) {
+  Orders orders(n, 1);
+  FillRepeatedly<M>(
+      state, [&]() -> Keys const& { return orders.Next(); }, IndexAll<M>);
+}
+
+// Looks `count` keys up, `offset` beyond those of the map.
+template <class M, class Operation>
+void Lookups(State& state, unsigned int n, unsigned int count, int offset, Operation operation) {
+  TidyHeap();
+  M map;
+  InsertAll(map, Orders(n, 1).Next());
+  Keys keys(count);
+  std::mt19937 random(2);
+  for (int& key : keys)
+    key = 2 * static_cast<int>(random() % n) + offset;
+  for (auto _ : state)
+    for (int const key : keys)
+      benchmark::DoNotOptimize(operation(map, key));
+}
+
+template <class M>
+auto ValueOf(M& map, int key) {
+  return map.find(key)->second;
+}
+
+template <class M>
+void FindHit(State& state, unsigned int n) {
+  Lookups<M>(state, n, mostLookups, 0, ValueOf<M>);
+}
+
+// The same few keys in the same order, again and again.
+template <class M>
+void FindRepeatedly(State& state, unsigned int n) {
+  Lookups<M>(state, n, n, 0, ValueOf<M>);
+}
+
+template <class M>
+void FindMiss(State& state, unsigned int n) {
+  Lookups<M>(state, n, mostLookups, 1, [](M& map, int key) { return map.find(key) == map.end(); });
+}
+
+template <class M>
+void IndexPresent(State& state, unsigned int n) {
+  Lookups<M>(state, n, mostLookups, 0, [](M& map, int key) { return map[key] += 1; });
+}
+
+template <class M>
+void Erase(State& state, unsigned int n) {
+  TidyHeap();
+  Orders inserted(n, 1), erased(n, 2);
+  M map;
+  for (auto _ : state) {
+    state.PauseTiming();
+    InsertAll(map, inserted.Next());
+    Keys const& keys = erased.Next();
+    state.ResumeTiming();
+    for (int const key : keys)
+      map.erase(key);
+  }
+}
+
+template <class M>
+void Iterate(State& state, unsigned int n) {
+  TidyHeap();
+  M map;
+  InsertAll(map, Orders(n, 1).Next());
+  for (auto _ : state) {
+    typename M::mapped_type sum = 0;
+    for (auto const& element : map)
+      sum += element.second;
+    benchmark::DoNotOptimize(sum);
+  }
+}
+
+template <class M>
+void Copy(State& state, unsigned int n) {
+  TidyHeap();
+  M map;
+  InsertAll(map, Orders(n, 1).Next());
+  for (auto _ : state) {
+    auto copy = std::make_unique<M>(map);
+    state.PauseTiming();
+    copy.reset();
+    state.ResumeTiming();
+  }
+}
+
+template <class M>
+void Clear(State& state, unsigned int n) {
+  TidyHeap();
+  Orders orders(n, 1);
+  M map;
+  for (auto _ : state) {
+    state.PauseTiming();
+    InsertAll(map, orders.Next());
+    state.ResumeTiming();
+    map.clear();
+  }
+}
+
+template <class M>
+void RegisterMap(std::string const& type, char const* who) {
+  auto const all = [&](char const* name, auto run) {
+    for (unsigned int const size : {1000u, 100000u, 1000000u})
+      compare::Register(std::string("map/") + name + '/' + type, size, who, run);
+  };
+  all("insert random", InsertRandom<M>);
+  all("insert ascending", InsertAscending<M>);
+  all("find hit", FindHit<M>);
+  compare::Register("map/find repeatedly/" + type, 100, who, FindRepeatedly<M>);
+  compare::Register("map/find repeatedly/" + type, 1000, who, FindRepeatedly<M>);
+  all("find miss", FindMiss<M>);
+  all("index present", IndexPresent<M>);
+  all("index new", IndexNew<M>);
+  all("erase by key", Erase<M>);
+  all("iterate", Iterate<M>);
+  all("copy", Copy<M>);
+  all("clear", Clear<M>);
+}
+
+template <class V>
+void RegisterMaps(char const* type) {
+  RegisterMap<HYLBasMap<int, V>>(type, "ours");
+  RegisterMap<std::map<int, V>>(type, "std");
+  RegisterMap<boost::container::map<int, V>>(type, "boost");
+  RegisterMap<absl::btree_map<int, V>>(type, "absl-btree");
+}
+
+[[maybe_unused]] bool const registered = [] {
+  RegisterMaps<double>("int-double");
+  RegisterMaps<int>("int-int");
+  return true;
+}();
+
+} // namespace
