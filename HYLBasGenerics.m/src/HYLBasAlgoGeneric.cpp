@@ -10,22 +10,22 @@
 #include "HYLBasSortGenericIx.h"
 #include "HYLBasSortSpecial.h"
 #include "HYLBasVector.h"
-#include "IntrosortSteps.h"
 #include "LUXCORE.h"
+#include "SortEngine.h"
 
+using hylbas_detail::SortEngine;
 using Pair = HYLBasPair<int, int>;
 
-void HYLBasSortSpecial(int* begin, int* end) {
-  hylbas_detail::IntrosortSteps<int, std::ptrdiff_t, hylbas_detail::Ascending>::Sort(begin, end,
-                                                                                     {});
-}
+void HYLBasSortSpecial(int* begin, int* end) { SortEngine<int>::Sort(begin, end); }
 
-void sortInt64_1(long long* first, long long* last) {
-  hylbas_detail::IntrosortSteps<long long, long long, hylbas_detail::Ascending>::Sort(first, last,
-                                                                                      {});
-}
+void sortInt64_1(long long* first, long long* last) { SortEngine<long long>::Sort(first, last); }
 
 void HYLBasSortSpecial(long long* begin, long long* end) { sortInt64_1(begin, end); }
+
+template <>
+void SGIsort<Pair*>(Pair* first, Pair* last) {
+  hylbas_detail::SortPairs(first, last);
+}
 
 void HYLBasSortSpecial(Pair* begin, Pair* end) { SGIsort<Pair*>(begin, end); }
 

@@ -26,11 +26,6 @@ void SGIsort<unsigned int*, HYLBasIxComparitor>(unsigned int* first, unsigned in
   IndexSteps::Sort(first, last, comp);
 }
 
-template <>
-void SGIsort<Pair*>(Pair* first, Pair* last) {
-  PairSteps::Sort(first, last, Ascending());
-}
-
 // Indices
 
 void __introsort_loop(unsigned int* first, unsigned int* last, unsigned int*, int depth,

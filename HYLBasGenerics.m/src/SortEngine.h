@@ -1,19 +1,20 @@
 /// \file
-/// The engine of the whole-array sorts of plain values, whose result is the same whatever the
-/// algorithm: equal elements cannot be told apart.
+/// The sort of whole arrays in ascending order, for elements that are nothing but their value:
+/// equal ones cannot be told apart, so every sort has the same result and this one is free to take
+/// the fastest way. In place, without memory of its own but for one leaf on the stack.
 ///
-/// Quicksort whose inner loops have no branch that depends on the data: elements are compared by an
-/// integer key, a partition moves every element and counts those that belong to the lower part, and
-/// short ranges go through a sorting network (K. E. Batcher, "Sorting Networks and their
-/// Applications", 1968). Runs that are sorted already, forwards or backwards, are found first;
-/// elements equal to the pivot are set aside in one pass; a recursion that gets too deep ends in
-/// the heap sort of `IntrosortSteps`. In place: uses no heap, and a stack of at most 2 lg n frames.
+/// Most of a sort's time goes into branches that the processor cannot foresee. There are none in
+/// the inner loops here: partitions advance by the result of a comparison, and short ranges are
+/// sorted by networks of exchanges (K. E. Batcher, "Sorting Networks and Their Applications", 1968;
+/// D. E. Knuth, "The Art of Computer Programming", volume 3, 5.2.2, algorithm M). Two times lg n
+/// partitions in a row that do not finish end in a heap sort, so that no input takes more than
+/// n lg n steps. Recursion is at most lg n deep: it takes the shorter part.
 #pragma once
 
+#include <algorithm>
+#include <array>
 #include <bit>
 #include <cstddef>
-#include <cstdint>
-#include <limits>
 #include <utility>
 
 #include "HYLBasPair.h"
@@ -21,189 +22,251 @@
 
 namespace hylbas_detail {
 
-/// An integer for each element, in the elements' order, and back.
+/// What elements are compared by. Numbers by themselves.
 template <class Element>
 struct SortKey {
-  using Key = Element;
-  static Key Of(Element element) { return element; }
-  static Element Back(Key key) { return key; }
+  using Type = Element;
+  static Type Of(Element const& element) { return element; }
+  static Element ElementOf(Type key) { return key; }
 };
 
+/// Pairs are sorted while their bytes hold one number each, of the same order: see `SortPairs`.
 template <>
 struct SortKey<HYLBasPair<int, int>> {
-  using Key = std::int64_t;
-  using Pair = HYLBasPair<int, int>;
-
-  /// The fields one after the other, the second with its sign bit turned for a low half that orders
-  /// as unsigned. The pair is moved as a whole: assembling its halves costs more than the sort.
-  static Key Of(Pair const& pair) {
-    return static_cast<Key>(Turn(std::bit_cast<std::uint64_t>(pair)));
+  using Type = long long;
+  static Type Of(HYLBasPair<int, int> const& packed) { return std::bit_cast<Type>(packed); }
+  static HYLBasPair<int, int> ElementOf(Type key) {
+    return std::bit_cast<HYLBasPair<int, int>>(key);
   }
-  static Pair Back(Key key) {
-    return std::bit_cast<Pair>(std::rotl(static_cast<std::uint64_t>(key) ^ signOfSecond, rotation));
-  }
-
-private:
-  static constexpr std::uint64_t signOfSecond = 0x80000000u;
-  static constexpr int rotation = std::endian::native == std::endian::little ? 32 : 0;
-  static std::uint64_t Turn(std::uint64_t bits) { return std::rotl(bits, rotation) ^ signOfSecond; }
 };
 
 template <class Element>
 class SortEngine {
+  using Key = SortKey<Element>;
+  struct KeysAscending {
+    bool operator()(Element const& a, Element const& b) const { return Key::Of(a) < Key::Of(b); }
+  };
+  using Steps = IntrosortSteps<Element, std::ptrdiff_t, KeysAscending>;
+
 public:
+  static constexpr std::ptrdiff_t longestLeaf = 32; // longer ranges are partitioned
+
   static void Sort(Element* first, Element* last) {
-    if (last - first < 2 || SortRun(first, last)) return;
-    int depth = 0;
-    for (std::ptrdiff_t n = last - first; n > 1; n >>= 1)
-      depth += 2;
-    Quicksort(first, last, depth, true);
+    if (last - first > longestLeaf &&
+        FinishRun(first, last, [](auto const& e) { return Key::Of(e); }))
+      return;
+    SortUnordered(first, last);
   }
 
-private:
-  using Key = typename SortKey<Element>::Key;
-
-  static constexpr std::ptrdiff_t networkSize = 16;
-  static constexpr std::uint64_t ninePointPivot = 128; // ranges from this length on
-
-  static Key KeyOf(Element const& element) { return SortKey<Element>::Of(element); }
-
-  /// Sorts an array that is one ascending or one descending run; false when it is neither.
-  static bool SortRun(Element* first, Element* last) {
-    if (RunEnd(first, last, [](Key a, Key b) { return a <= b; }) == last) return true;
-    if (RunEnd(first, last, [](Key a, Key b) { return a >= b; }) != last) return false;
-    while (first < --last)
-      std::swap(*first++, *last);
+  /// Where the range is in order or in reverse order: sorts it and returns true.
+  template <class KeyOf>
+  static bool FinishRun(Element* first, Element* last, KeyOf keyOf) {
+    auto const ascends = [](auto const& a, auto const& b) { return !(b < a); };
+    auto const descends = [](auto const& a, auto const& b) { return !(a < b); };
+    if (IsRun(first, last, keyOf, ascends)) return true;
+    if (!IsRun(first, last, keyOf, descends)) return false;
+    std::reverse(first, last);
     return true;
   }
 
-  /// The first element that does not stand in the wanted relation to the one before it.
-  template <class Related>
-  static Element* RunEnd(Element* first, Element* last, Related related) {
-    Key previous = KeyOf(*first);
-    for (Element* i = first + 1; i != last; ++i) {
-      Key const key = KeyOf(*i);
-      if (!related(previous, key)) return i;
+  static void SortUnordered(Element* first, Element* last) {
+    Quicksort(first, last, 2 * Steps::FloorLog2(last - first), true);
+  }
+
+private:
+  template <class KeyOf, class InOrder>
+  static bool IsRun(Element const* first, Element const* last, KeyOf keyOf, InOrder inOrder) {
+    auto previous = keyOf(*first);
+    while (++first != last) {
+      auto const key = keyOf(*first);
+      if (!inOrder(previous, key)) return false;
       previous = key;
     }
-    return last;
+    return true;
   }
 
-  /// `leftmost` tells that nothing stands before `first`; otherwise the element there comes after
-  /// none of the range.
-  static void Quicksort(Element* first, Element* last, int depth, bool leftmost) {
-    while (last - first > networkSize) {
-      if (depth-- == 0) {
-        IntrosortSteps<Element, std::ptrdiff_t, Ascending>::PartialSort(first, last, last,
-                                                                        Ascending());
-        return;
-      }
-      std::swap(*first, *ChoosePivot(first, last));
-      Key const pivot = KeyOf(*first);
-      if (!leftmost && KeyOf(first[-1]) == pivot) {
-        // Nothing here comes before the pivot: its equals are in place once they are in front.
-        first = Partition(first, last, [pivot](Key key) { return key <= pivot; });
+  // Every element before the range, where `isLeftmost` says that there is any, is at most its
+  // least.
+  static void Quicksort(Element* first, Element* last, std::ptrdiff_t depth, bool isLeftmost) {
+    while (last - first > longestLeaf) {
+      if (depth-- == 0) return Steps::PartialSort(first, last, last, {});
+      std::swap(*first, *MedianOfNine(first, last));
+      auto const pivot = Key::Of(*first);
+      if (!isLeftmost && !(Key::Of(first[-1]) < pivot)) {
+        // The pivot is the least element: all that are equal to it are in their places.
+        first = Partition(first, last, [pivot](auto const& key) { return !(pivot < key); });
         continue;
       }
-      Element* const cut = Partition(first + 1, last, [pivot](Key key) { return key < pivot; });
-      std::swap(*first, cut[-1]);
-      Quicksort(first, cut - 1, depth, leftmost);
-      leftmost = false;
-      first = cut;
+      Element* const cut =
+          Partition(first + 1, last, [pivot](auto const& key) { return key < pivot; }) - 1;
+      std::swap(*first, *cut);
+      if (cut - first < last - cut) {
+        Quicksort(first, cut, depth, isLeftmost);
+        first = cut + 1;
+        isLeftmost = false;
+      } else {
+        Quicksort(cut + 1, last, depth, false);
+        last = cut;
+      }
     }
-    SortByNetwork(first, last);
+    SortLeaf(first, last - first);
   }
 
-  /// Moves the elements whose key is `inLowerPart` to the front; returns where the others begin.
-  template <class Predicate>
-  static Element* Partition(Element* first, Element* last, Predicate inLowerPart) {
+  // Moves the elements whose keys belong to the left before all others; returns the first of those.
+  // The elements between `cut` and `next` are those found to belong to the right.
+  template <class BelongsLeft>
+  static Element* Partition(Element* first, Element* last, BelongsLeft belongsLeft) {
     Element* cut = first;
-    for (Element* i = first; i != last; ++i) {
-      Element const element = *i;
-      *i = *cut;
+    for (Element* next = first; next != last; ++next) {
+      Element const element = *next;
+      *next = *cut;
       *cut = element;
-      cut += inLowerPart(KeyOf(element));
+      cut += belongsLeft(Key::Of(element));
     }
     return cut;
   }
 
-  /// The median of three elements, of three such medians in a long range. Where they stand looks
-  /// random, so that regular arrangements do not lead to lopsided partitions.
-  static Element* ChoosePivot(Element* first, Element* last) {
-    auto const n = static_cast<std::uint64_t>(last - first);
-    std::uint64_t state = n;
-    auto const any = [&] {
-      state = state * 6364136223846793005u + 1442695040888963407u;
-      return first + static_cast<std::ptrdiff_t>((state >> 32) * n >> 32);
-    };
-    if (n < ninePointPivot) return Median(any(), any(), any());
-    Element* const a = Median(any(), any(), any());
-    Element* const b = Median(any(), any(), any());
-    return Median(a, b, Median(any(), any(), any()));
+  // The median of the medians of three times three. At uneven distances, because input often has
+  // patterns at even ones: a ramp up and down, of which the ends and the middle say nothing.
+  static Element* MedianOfNine(Element* first, Element* last) {
+    std::ptrdiff_t const step = (last - first) / 16;
+    MedianToMiddle(first[1 * step], first[5 * step], first[12 * step]);
+    MedianToMiddle(first[2 * step], first[7 * step], first[15 * step]);
+    MedianToMiddle(first[3 * step], first[9 * step], first[14 * step]);
+    MedianToMiddle(first[5 * step], first[7 * step], first[9 * step]);
+    return first + 7 * step;
   }
 
-  static Element* Median(Element* a, Element* b, Element* c) {
-    if (KeyOf(*b) < KeyOf(*a)) std::swap(a, b);
-    if (KeyOf(*c) < KeyOf(*b)) b = KeyOf(*c) < KeyOf(*a) ? a : c;
-    return b;
+  static void MedianToMiddle(Element& a, Element& b, Element& c) {
+    PutInOrder(a, b);
+    PutInOrder(b, c);
+    PutInOrder(a, b);
   }
 
-  /// At most `networkSize` elements.
-  static void SortByNetwork(Element* first, Element* last) {
-    std::ptrdiff_t const n = last - first;
-    if (n < 2) return;
-    if (n <= 4) {
-      SortPadded<4, 4>(first, n);
-    } else if (n <= 8) {
-      SortPadded<8, 8>(first, n);
-    } else if (n <= 12) {
-      SortPadded<12, 16>(first, n);
-    } else {
-      SortPadded<16, 16>(first, n);
+  [[gnu::always_inline]] static inline void PutInOrder(Element& a, Element& b) {
+    auto const x = Key::Of(a), y = Key::Of(b);
+    a = Key::ElementOf(y < x ? y : x);
+    b = Key::ElementOf(y < x ? x : y);
+  }
+
+  // Of up to `longestLeaf` elements: two halves, merged.
+  static void SortLeaf(Element* first, std::ptrdiff_t n) {
+    if (n <= longestNetwork) return SortByNetwork(first, n);
+    SortByNetwork(first, n / 2);
+    SortByNetwork(first + n / 2, n - n / 2);
+    MergeHalves(first, n);
+  }
+
+  // From both ends at once: either way takes half of the elements, so that neither leaves a half.
+  static void MergeHalves(Element* first, std::ptrdiff_t n) {
+    Element merged[longestLeaf];
+    Element const *left = first, *right = first + n / 2;
+    Element const *leftEnd = right - 1, *rightEnd = first + n - 1;
+    for (std::ptrdiff_t i = 0; i != n / 2; ++i) {
+      bool const takesRight = Key::Of(*right) < Key::Of(*left);
+      merged[i] = *(takesRight ? right : left);
+      right += takesRight;
+      left += !takesRight;
+      bool const takesLeft = Key::Of(*rightEnd) < Key::Of(*leftEnd);
+      merged[n - 1 - i] = *(takesLeft ? leftEnd : rightEnd);
+      leftEnd -= takesLeft;
+      rightEnd -= !takesLeft;
     }
+    if (n % 2 != 0) merged[n / 2] = *(left <= leftEnd ? left : right);
+    std::copy(merged, merged + n, first);
   }
 
-  /// Fills the network up with copies of the last possible key. Those from `used` on are
-  /// constants to the compiler, which drops their comparisons.
-  template <std::ptrdiff_t used, std::ptrdiff_t size>
-  static void SortPadded(Element* first, std::ptrdiff_t n) {
-    Key work[size];
-    for (std::ptrdiff_t i = 0; i != size; ++i)
-      work[i] =
-          i < used - 3 || (i < used && i < n) ? KeyOf(first[i]) : std::numeric_limits<Key>::max();
-    SortNetwork<0, size>(work);
-    for (std::ptrdiff_t i = 0; i != used; ++i)
-      if (i < used - 3 || i < n) first[i] = SortKey<Element>::Back(work[i]);
-  }
+  static constexpr std::ptrdiff_t longestNetwork = 16;
 
-  /// Batcher's odd-even merge sort of work[low] to work[low + size - 1], unrolled.
-  template <std::ptrdiff_t low, std::ptrdiff_t size>
-  static void SortNetwork(Key* work) {
-    if constexpr (size > 1) {
-      SortNetwork<low, size / 2>(work);
-      SortNetwork<low + size / 2, size / 2>(work);
-      MergeNetwork<low, size, 1>(work);
+  struct Exchange {
+    std::size_t low, high;
+  };
+  struct Network {
+    std::array<Exchange, 63> exchanges; // as many as 16 elements take
+    std::size_t size;
+  };
+
+  static constexpr Network NetworkFor(std::size_t n) {
+    Network network{};
+    std::size_t const half = std::bit_ceil(n) / 2;
+    for (std::size_t p = half; p > 0; p /= 2) {
+      std::size_t distance = p, remainder = 0;
+      for (std::size_t q = half;; q /= 2) {
+        for (std::size_t i = 0; i + distance < n; ++i)
+          if ((i & p) == remainder) network.exchanges[network.size++] = {i, i + distance};
+        if (q == p) break;
+        distance = q - p;
+        remainder = p;
+      }
     }
+    return network;
   }
 
-  /// Merges the sorted halves of every `step`-th element from work[low] on, `size` places in all.
-  template <std::ptrdiff_t low, std::ptrdiff_t size, std::ptrdiff_t step>
-  static void MergeNetwork(Key* work) {
-    if constexpr (2 * step < size) {
-      MergeNetwork<low, size, 2 * step>(work);
-      MergeNetwork<low + step, size, 2 * step>(work);
-      for (std::ptrdiff_t i = low + step; i + step < low + size; i += 2 * step)
-        CompareExchange(work[i], work[i + step]);
-    } else {
-      CompareExchange(work[low], work[low + step]);
+  template <std::size_t n>
+  [[gnu::noinline]] static void RunNetwork(Element* first) {
+    static constexpr Network network = NetworkFor(n);
+    [first]<std::size_t... i>(std::index_sequence<i...>) {
+      (PutInOrder(first[network.exchanges[i].low], first[network.exchanges[i].high]), ...);
     }
+    (std::make_index_sequence<network.size>());
   }
 
-  static void CompareExchange(Key& a, Key& b) {
-    Key const x = a, y = b;
-    a = x < y ? x : y;
-    b = x < y ? y : x;
+  [[gnu::noinline]] static void SortByNetwork(Element* first, std::ptrdiff_t n) {
+    switch (n) {
+    case 2:
+      return RunNetwork<2>(first);
+    case 3:
+      return RunNetwork<3>(first);
+    case 4:
+      return RunNetwork<4>(first);
+    case 5:
+      return RunNetwork<5>(first);
+    case 6:
+      return RunNetwork<6>(first);
+    case 7:
+      return RunNetwork<7>(first);
+    case 8:
+      return RunNetwork<8>(first);
+    case 9:
+      return RunNetwork<9>(first);
+    case 10:
+      return RunNetwork<10>(first);
+    case 11:
+      return RunNetwork<11>(first);
+    case 12:
+      return RunNetwork<12>(first);
+    case 13:
+      return RunNetwork<13>(first);
+    case 14:
+      return RunNetwork<14>(first);
+    case 15:
+      return RunNetwork<15>(first);
+    case 16:
+      return RunNetwork<16>(first);
+    default:
+      return;
+    }
   }
 };
+
+/// Sorts by `first`, then by `second`.
+inline void SortPairs(HYLBasPair<int, int>* first, HYLBasPair<int, int>* last) {
+  using Pair = HYLBasPair<int, int>;
+  using Engine = SortEngine<Pair>;
+  // Flipping the sign of the lower half makes its unsigned order the signed one.
+  constexpr unsigned int sign = 0x80000000u;
+  auto const pack = [](Pair const& pair) {
+    return static_cast<long long>(pair.first) * 0x100000000ll +
+           (static_cast<unsigned int>(pair.second) ^ sign);
+  };
+  if (last - first > Engine::longestLeaf && Engine::FinishRun(first, last, pack)) return;
+  for (Pair* p = first; p != last; ++p)
+    *p = SortKey<Pair>::ElementOf(pack(*p));
+  Engine::SortUnordered(first, last);
+  for (Pair* p = first; p != last; ++p) {
+    auto const key = static_cast<unsigned long long>(SortKey<Pair>::Of(*p));
+    *p = Pair(static_cast<int>(key >> 32), static_cast<int>(static_cast<unsigned int>(key) ^ sign));
+  }
+}
 
 } // namespace hylbas_detail
