@@ -125,35 +125,46 @@ bool IsItemBefore(unsigned int a, unsigned int b, void const*, void const*) {
   return Item::IsBefore(static_cast<int>(a), static_cast<int>(b));
 }
 
-// What the sorts promise for n elements, with at most 1 KiB of stack for a level. A quicksort
-// without a limit takes n²/20 comparisons here, and n/20 levels if it recurses into the longer
-// part.
-template <class Sort>
-std::vector<int> RunAgainstAdversary(int n, Sort sort) {
-  inputs::Adversary adversary(n);
+void SortIndices(int n) {
+  HYLBasVector<unsigned int> indices;
+  HYLBasSortGenericIx(nullptr, static_cast<unsigned int>(n), indices,
+                      {IsItemBefore, nullptr, nullptr});
+}
+
+// Without the look for runs, which an adversary would make succeed.
+void SortItems(int n) {
+  std::vector<Item> items;
+  for (int i = 0; i != n; ++i)
+    items.push_back({i});
+  hylbas_detail::SortEngine<Item>::SortUnordered(items.data(), items.data() + n);
+}
+
+// What the sorts promise for n elements, with 1 KiB of stack for each level of recursion. Against
+// this adversary a quicksort without a limit takes some n²/20 comparisons.
+void RunAgainst(inputs::Adversary& adversary, int n, int levels, void (*sort)(int n)) {
   Item::adversary = &adversary;
   Item::lowest = std::numeric_limits<std::uintptr_t>::max();
   Item::highest = 0;
   sort(n);
-  long const lg = __lg(n);
-  EXPECT_LE(adversary.comparisons, 4 * n * lg + 16 * n);
-  EXPECT_LE(Item::highest - Item::lowest, (2ul * lg + 4) * 1024);
-  return adversary.Values();
+  EXPECT_LE(adversary.comparisons, 4l * n * __lg(n) + 16l * n);
+  EXPECT_LE(Item::highest - Item::lowest, (levels + 4ul) * 1024);
 }
 
 TEST(SortCost, StaysWithinItsBoundsAgainstAnAdversary) {
-  for (int const n : {1000, 30000, 100000}) {
-    RunAgainstAdversary(n, [](int count) {
-      HYLBasVector<unsigned int> indices;
-      HYLBasSortGenericIx(nullptr, static_cast<unsigned int>(count), indices,
-                          {IsItemBefore, nullptr, nullptr});
-    });
-    CheckAllSorts(RunAgainstAdversary(n, [](int count) {
-      std::vector<Item> items;
-      for (int i = 0; i != count; ++i)
-        items.push_back({i});
-      hylbas_detail::SortEngine<Item>::Sort(items.data(), items.data() + count);
-    }));
+  for (int const n : {1000, 30000, 200000}) {
+    inputs::Adversary ofIndices(n), ofItems(n);
+    RunAgainst(ofIndices, n, 2 * __lg(n), SortIndices);
+    RunAgainst(ofItems, n, __lg(n), SortItems);
+    CheckAllSorts(ofItems.Values());
+  }
+}
+
+TEST(SortCost, IsLinearForFewDifferentValues) {
+  for (int const pattern : {3, 4}) {
+    constexpr int n = 30000;
+    inputs::Adversary counter(inputs::Make(inputs::patterns[pattern], n));
+    RunAgainst(counter, n, __lg(n), SortItems);
+    EXPECT_LE(counter.comparisons, 10 * n);
   }
 }
 

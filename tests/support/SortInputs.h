@@ -15,6 +15,8 @@ namespace inputs {
 class Adversary {
 public:
   explicit Adversary(int n) : m_values(static_cast<std::size_t>(n), undecided) {}
+  /// All is decided: this only counts.
+  explicit Adversary(std::vector<int> const& values) : m_values(values) {}
 
   bool IsBefore(int a, int b) {
     ++comparisons;
