@@ -1,0 +1,272 @@
+/// \file
+/// The sort of whole arrays in ascending order, for elements that are nothing but their value:
+/// equal ones cannot be told apart, so every sort has the same result and this one is free to take
+/// the fastest way. In place, without memory of its own but for one leaf on the stack.
+///
+/// Most of a sort's time goes into branches that the processor cannot foresee. There are none in
+/// the inner loops here: partitions advance by the result of a comparison, and short ranges are
+/// sorted by networks of exchanges (K. E. Batcher, "Sorting Networks and Their Applications", 1968;
+/// D. E. Knuth, "The Art of Computer Programming", volume 3, 5.2.2, algorithm M). Two times lg n
+/// partitions in a row that do not finish end in a heap sort, so that no input takes more than
+/// n lg n steps. Recursion is at most lg n deep: it takes the shorter part.
+#pragma once
+
+#include <algorithm>
+#include <array>
+#include <bit>
+#include <cstddef>
+#include <utility>
+
+#include "HYLBasPair.h"
+#include "IntrosortSteps.h"
+
+namespace hylbas_detail {
+
+/// What elements are compared by. Numbers by themselves.
+template <class Element>
+struct SortKey {
+  using Type = Element;
+  static Type Of(Element const& element) { return element; }
+  static Element ElementOf(Type key) { return key; }
+};
+
+/// Pairs are sorted while their bytes hold one number each, of the same order: see `SortPairs`.
+template <>
+struct SortKey<HYLBasPair<int, int>> {
+  using Type = long long;
+  static Type Of(HYLBasPair<int, int> const& packed) { return std::bit_cast<Type>(packed); }
+  static HYLBasPair<int, int> ElementOf(Type key) {
+    return std::bit_cast<HYLBasPair<int, int>>(key);
+  }
+};
+
+template <class Element>
+class SortEngine {
+  using Key = SortKey<Element>;
+  struct KeysAscending {
+    bool operator()(Element const& a, Element const& b) const { return Key::Of(a) < Key::Of(b); }
+  };
+  using Steps = IntrosortSteps<Element, std::ptrdiff_t, KeysAscending>;
+
+public:
+  static constexpr std::ptrdiff_t longestLeaf = 32; // longer ranges are partitioned
+
+  static void Sort(Element* first, Element* last) {
+    if (last - first > longestLeaf &&
+        FinishRun(first, last, [](auto const& e) { return Key::Of(e); }))
+      return;
+    SortUnordered(first, last);
+  }
+
+  /// Where the range is in order or in reverse order: sorts it and returns true.
+  template <class KeyOf>
+  static bool FinishRun(Element* first, Element* last, KeyOf keyOf) {
+    auto const ascends = [](auto const& a, auto const& b) { return !(b < a); };
+    auto const descends = [](auto const& a, auto const& b) { return !(a < b); };
+    if (IsRun(first, last, keyOf, ascends)) return true;
+    if (!IsRun(first, last, keyOf, descends)) return false;
+    std::reverse(first, last);
+    return true;
+  }
+
+  static void SortUnordered(Element* first, Element* last) {
+    Quicksort(first, last, 2 * Steps::FloorLog2(last - first), true);
+  }
+
+private:
+  template <class KeyOf, class InOrder>
+  static bool IsRun(Element const* first, Element const* last, KeyOf keyOf, InOrder inOrder) {
+    auto previous = keyOf(*first);
+    while (++first != last) {
+      auto const key = keyOf(*first);
+      if (!inOrder(previous, key)) return false;
+      previous = key;
+    }
+    return true;
+  }
+
+  // Every element before the range, where `isLeftmost` says that there is any, is at most its
+  // least.
+  static void Quicksort(Element* first, Element* last, std::ptrdiff_t depth, bool isLeftmost) {
+    while (last - first > longestLeaf) {
+      if (depth-- == 0) return Steps::PartialSort(first, last, last, {});
+      std::swap(*first, *MedianOfNine(first, last));
+      auto const pivot = Key::Of(*first);
+      if (!isLeftmost && !(Key::Of(first[-1]) < pivot)) {
+        // The pivot is the least element: all that are equal to it are in their places.
+        first = Partition(first, last, [pivot](auto const& key) { return !(pivot < key); });
+        continue;
+      }
+      Element* const cut =
+          Partition(first + 1, last, [pivot](auto const& key) { return key < pivot; }) - 1;
+      std::swap(*first, *cut);
+      if (cut - first < last - cut) {
+        Quicksort(first, cut, depth, isLeftmost);
+        first = cut + 1;
+        isLeftmost = false;
+      } else {
+        Quicksort(cut + 1, last, depth, false);
+        last = cut;
+      }
+    }
+    SortLeaf(first, last - first);
+  }
+
+  // Moves the elements whose keys belong to the left before all others; returns the first of those.
+  // The elements between `cut` and `next` are those found to belong to the right.
+  template <class BelongsLeft>
+  static Element* Partition(Element* first, Element* last, BelongsLeft belongsLeft) {
+    Element* cut = first;
+    for (Element* next = first; next != last; ++next) {
+      Element const element = *next;
+      *next = *cut;
+      *cut = element;
+      cut += belongsLeft(Key::Of(element));
+    }
+    return cut;
+  }
+
+  // The median of the medians of three times three. At uneven distances, because input often has
+  // patterns at even ones: a ramp up and down, of which the ends and the middle say nothing.
+  static Element* MedianOfNine(Element* first, Element* last) {
+    std::ptrdiff_t const step = (last - first) / 16;
+    MedianToMiddle(first[1 * step], first[5 * step], first[12 * step]);
+    MedianToMiddle(first[2 * step], first[7 * step], first[15 * step]);
+    MedianToMiddle(first[3 * step], first[9 * step], first[14 * step]);
+    MedianToMiddle(first[5 * step], first[7 * step], first[9 * step]);
+    return first + 7 * step;
+  }
+
+  static void MedianToMiddle(Element& a, Element& b, Element& c) {
+    PutInOrder(a, b);
+    PutInOrder(b, c);
+    PutInOrder(a, b);
+  }
+
+  [[gnu::always_inline]] static inline void PutInOrder(Element& a, Element& b) {
+    auto const x = Key::Of(a), y = Key::Of(b);
+    a = Key::ElementOf(y < x ? y : x);
+    b = Key::ElementOf(y < x ? x : y);
+  }
+
+  // Of up to `longestLeaf` elements: two halves, merged.
+  static void SortLeaf(Element* first, std::ptrdiff_t n) {
+    if (n <= longestNetwork) return SortByNetwork(first, n);
+    SortByNetwork(first, n / 2);
+    SortByNetwork(first + n / 2, n - n / 2);
+    MergeHalves(first, n);
+  }
+
+  // From both ends at once: either way takes half of the elements, so that neither leaves a half.
+  static void MergeHalves(Element* first, std::ptrdiff_t n) {
+    Element merged[longestLeaf];
+    Element const *left = first, *right = first + n / 2;
+    Element const *leftEnd = right - 1, *rightEnd = first + n - 1;
+    for (std::ptrdiff_t i = 0; i != n / 2; ++i) {
+      bool const takesRight = Key::Of(*right) < Key::Of(*left);
+      merged[i] = *(takesRight ? right : left);
+      right += takesRight;
+      left += !takesRight;
+      bool const takesLeft = Key::Of(*rightEnd) < Key::Of(*leftEnd);
+      merged[n - 1 - i] = *(takesLeft ? leftEnd : rightEnd);
+      leftEnd -= takesLeft;
+      rightEnd -= !takesLeft;
+    }
+    if (n % 2 != 0) merged[n / 2] = *(left <= leftEnd ? left : right);
+    std::copy(merged, merged + n, first);
+  }
+
+  static constexpr std::ptrdiff_t longestNetwork = 16;
+
+  struct Exchange {
+    std::size_t low, high;
+  };
+  struct Network {
+    std::array<Exchange, 63> exchanges; // as many as 16 elements take
+    std::size_t size;
+  };
+
+  static constexpr Network NetworkFor(std::size_t n) {
+    Network network{};
+    std::size_t const half = std::bit_ceil(n) / 2;
+    for (std::size_t p = half; p > 0; p /= 2) {
+      std::size_t distance = p, remainder = 0;
+      for (std::size_t q = half;; q /= 2) {
+        for (std::size_t i = 0; i + distance < n; ++i)
+          if ((i & p) == remainder) network.exchanges[network.size++] = {i, i + distance};
+        if (q == p) break;
+        distance = q - p;
+        remainder = p;
+      }
+    }
+    return network;
+  }
+
+  template <std::size_t n>
+  [[gnu::noinline]] static void RunNetwork(Element* first) {
+    static constexpr Network network = NetworkFor(n);
+    [first]<std::size_t... i>(std::index_sequence<i...>) {
+      (PutInOrder(first[network.exchanges[i].low], first[network.exchanges[i].high]), ...);
+    }
+    (std::make_index_sequence<network.size>());
+  }
+
+  [[gnu::noinline]] static void SortByNetwork(Element* first, std::ptrdiff_t n) {
+    switch (n) {
+    case 2:
+      return RunNetwork<2>(first);
+    case 3:
+      return RunNetwork<3>(first);
+    case 4:
+      return RunNetwork<4>(first);
+    case 5:
+      return RunNetwork<5>(first);
+    case 6:
+      return RunNetwork<6>(first);
+    case 7:
+      return RunNetwork<7>(first);
+    case 8:
+      return RunNetwork<8>(first);
+    case 9:
+      return RunNetwork<9>(first);
+    case 10:
+      return RunNetwork<10>(first);
+    case 11:
+      return RunNetwork<11>(first);
+    case 12:
+      return RunNetwork<12>(first);
+    case 13:
+      return RunNetwork<13>(first);
+    case 14:
+      return RunNetwork<14>(first);
+    case 15:
+      return RunNetwork<15>(first);
+    case 16:
+      return RunNetwork<16>(first);
+    default:
+      return;
+    }
+  }
+};
+
+/// Sorts by `first`, then by `second`.
+inline void SortPairs(HYLBasPair<int, int>* first, HYLBasPair<int, int>* last) {
+  using Pair = HYLBasPair<int, int>;
+  using Engine = SortEngine<Pair>;
+  // Flipping the sign of the lower half makes its unsigned order the signed one.
+  constexpr unsigned int sign = 0x80000000u;
+  auto const pack = [](Pair const& pair) {
+    return static_cast<long long>(pair.first) * 0x100000000ll +
+           (static_cast<unsigned int>(pair.second) ^ sign);
+  };
+  if (last - first > Engine::longestLeaf && Engine::FinishRun(first, last, pack)) return;
+  for (Pair* p = first; p != last; ++p)
+    *p = SortKey<Pair>::ElementOf(pack(*p));
+  Engine::SortUnordered(first, last);
+  for (Pair* p = first; p != last; ++p) {
+    auto const key = static_cast<unsigned long long>(SortKey<Pair>::Of(*p));
+    *p = Pair(static_cast<int>(key >> 32), static_cast<int>(static_cast<unsigned int>(key) ^ sign));
+  }
+}
+
+} // namespace hylbas_detail
