@@ -3,6 +3,7 @@
 #pragma once
 
 #include "HYLBasAllocationOperators.h"
+#include "HYLBasArray2D.h"
 #include "HYLBasComparitor.h"
 #include "HYLBasExport.h"
 #include "HYLBasGenericsAllocator.h"
