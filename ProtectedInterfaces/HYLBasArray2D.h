@@ -31,7 +31,6 @@
 #include <cstdint>
 #include <cstdlib>
 #include <cstring>
-#include <functional>
 #include <type_traits>
 
 #include "HYLBasAllocationOperators.h"
@@ -89,16 +88,24 @@ T* NewBlockCopy(int m, int n, T const* source) {
   return block;
 }
 
-/// Copies a run element by element, first to last; as one block move where that makes no
-/// difference.
+/// Copies a run element by element, first to last.
+template <class T>
+[[gnu::cold, gnu::noinline]] void CopyOneByOne(T const* from, int count, T* to) {
+  for (int k = 0; k < count; ++k)
+    to[k] = from[k];
+}
+
+/// The same; as one block move unless the target starts inside the source, where it would differ.
 template <class T>
 void CopyRun(T const* from, int count, T* to) {
   if (count < 1) return;
-  if (std::less<T const*>()(from, to) && std::less<T const*>()(to, from + count)) {
-    for (int k = 0; k != count; ++k)
-      to[k] = from[k];
+  auto const distance =
+      reinterpret_cast<std::uintptr_t>(to) - reinterpret_cast<std::uintptr_t>(from);
+  std::size_t const bytes = static_cast<std::size_t>(count) * sizeof(T);
+  if (distance < bytes) [[unlikely]] {
+    CopyOneByOne(from, count, to);
   } else {
-    std::memmove(to, from, static_cast<std::size_t>(count) * sizeof(T));
+    std::memmove(to, from, bytes);
   }
 }
 
@@ -135,6 +142,13 @@ Line<T, Order == 0> Row(T* block, int m, int n, int i) {
 template <int Order, class T>
 Line<T, Order == 1> Column(T* block, int m, int n, int j) {
   return {block + (Order == 1 ? static_cast<std::ptrdiff_t>(j) * m : j), n, m};
+}
+
+/// Callers that fetch line after line into one vector find its length right from the second on.
+template <class T>
+void GiveLength(HYLBasVector<T>& v, unsigned int n) {
+  if (v.size() != n) [[unlikely]]
+    v.resize(n);
 }
 
 /// How many of the indices, from the first on, lie in [0, `limit`).
@@ -382,7 +396,7 @@ public:
   /// `_row` becomes the row; its block is reused when its capacity suffices.
   void GetRowCopy(int _rowid, HYLBasVector<T>& _row) const {
     HYLBAS_ARRAY2D_CHECK(m_data != 0 && _rowid >= 0 && _rowid < m_m);
-    _row.resize(static_cast<unsigned int>(m_n));
+    hylbas_detail::GiveLength(_row, static_cast<unsigned int>(m_n));
     hylbas_detail::Row<Order>(m_data, m_m, m_n, _rowid).CopyTo(_row.begin());
   }
 
@@ -396,7 +410,7 @@ public:
   /// `_col` becomes the column; its block is reused when its capacity suffices.
   void GetColumnCopy(int _colid, HYLBasVector<T>& _col) const {
     HYLBAS_ARRAY2D_CHECK(m_data != 0 && _colid >= 0 && _colid < m_n);
-    _col.resize(static_cast<unsigned int>(m_m));
+    hylbas_detail::GiveLength(_col, static_cast<unsigned int>(m_m));
     hylbas_detail::Column<Order>(m_data, m_m, m_n, _colid).CopyTo(_col.begin());
   }
 
