@@ -2,6 +2,7 @@
 /// All of the library's public headers. Each of them also stands on its own.
 #pragma once
 
+#include "HYLAspStructReplicator.h"
 #include "HYLBasAllocationOperators.h"
 #include "HYLBasArray2D.h"
 #include "HYLBasComparitor.h"
@@ -11,6 +12,7 @@
 #include "HYLBasHashValue.h"
 #include "HYLBasInstantiations.h"
 #include "HYLBasMicroAllocator.h"
+#include "HYLBasMicroList.h"
 #include "HYLBasNodeAllocator.h"
 #include "HYLBasNodeTrackingAllocator.h"
 #include "HYLBasPair.h"
@@ -22,5 +24,7 @@
 #include "HYLBasVector.h"
 #include "HYLBasVectorAllocator.h"
 #include "HYLBasVectorGeneric.h"
+#include "HYLBasVectorStruct.h"
+#include "HYLBasVectorStructIterator.h"
 #include "HYLBasVectorTextFile.h"
 #include "HYLBasVectorTrackingAllocator.h"

@@ -3,6 +3,7 @@
 /// replicator carries it, a block move or a typed store does what its calls would do.
 #pragma once
 
+#include "HYLAspStructReplicator.h"
 #include "HYLBasReplicator.h"
 
 namespace hylbas_detail {
@@ -25,5 +26,8 @@ inline bool IsPlainData(HYLBasReplicatorGeneric const& replicator) {
     return false;
   }
 }
+
+/// Records copied bytewise are moved by the library alone.
+inline bool IsPlainData(HYLAspStructReplicator const& /*replicator*/) { return true; }
 
 } // namespace hylbas_detail
