@@ -6,6 +6,7 @@
 #include <map>
 #include <random>
 #include <string>
+#include <tuple>
 
 #include <gtest/gtest.h>
 
@@ -499,6 +500,57 @@ TYPED_TEST(Array2D, NothingGoesOnAfterAFailedCheckButTheRefusedAdoption) {
   recording::Events().clear();
   { TypeParam const borrowed(2, 3, own, TypeParam::e_pointerValue, TypeParam::e_borrow); }
   EXPECT_TRUE(recording::Events().empty());
+}
+
+// The private operations, reached through the one door that access control leaves open.
+template <class Array, auto... members>
+struct Opened {
+  friend auto Open(Array*) { return std::make_tuple(members...); }
+};
+#define OPEN(T, Order)                                                                             \
+  auto Open(HYLBasArray2D<T, Order>*);                                                             \
+  template struct Opened<HYLBasArray2D<T, Order>, &HYLBasArray2D<T, Order>::Allocate,              \
+                         &HYLBasArray2D<T, Order>::Copy, &HYLBasArray2D<T, Order>::Initialize,     \
+                         &HYLBasArray2D<T, Order>::Destroy, &HYLBasArray2D<T, Order>::SetMembers>;
+OPEN(int, 0)
+OPEN(int, 1)
+OPEN(double, 0)
+OPEN(double, 1)
+#undef OPEN
+
+TYPED_TEST(Array2D, PrivateOperations) {
+  using T = typename Traits<TypeParam>::T;
+  static_assert(sizeof(TypeParam) == 8 + 2 * sizeof(void*));
+  static_assert(sizeof(typename TypeParam::MemType) == 4 &&
+                sizeof(typename TypeParam::SourceType) == 4 &&
+                sizeof(typename TypeParam::NormType) == 4);
+  auto const [allocate, copy, initialize, destroy, setMembers] =
+      Open(static_cast<TypeParam*>(nullptr));
+  T own[2] = {T(3), T(4)};
+  recording::Reset(own, sizeof own);
+  TypeParam a(0, 0, own, TypeParam::e_pointerValue, TypeParam::e_borrow);
+  T* block = own;
+  (a.*allocate)(0, 3, block);
+  EXPECT_EQ(block, nullptr);
+  (a.*allocate)(2, 3, block);
+  (a.*setMembers)(2, 3, TypeParam::e_borrow, block);
+  EXPECT_EQ(&a(0, 0), block);
+  (a.*initialize)(1, 1, T(9)); // the block that was there is not released
+  T* second = a.GetPointerToMemory();
+  EXPECT_EQ(a(0, 0), T(9));
+  (a.*copy)(1, 2, own);
+  EXPECT_EQ(a(0, 1), T(4));
+  T* borrowed = own;
+  (a.*destroy)(borrowed, TypeParam::e_borrow);
+  EXPECT_EQ(borrowed, nullptr);
+  (a.*destroy)(borrowed, TypeParam::e_copy); // also null is handed on
+  (a.*destroy)(block, TypeParam::e_adopt);
+  (a.*destroy)(second, TypeParam::e_copy);
+  std::string calls;
+  for (auto const& event : recording::Events())
+    calls += event.kind;
+  EXPECT_EQ(calls, "AAAFFF");
+  EXPECT_EQ(recording::LiveBlocks(), 1u);
 }
 
 // A norm of the numbers as the only line of an array that borrows them, or copies them.
