@@ -393,6 +393,9 @@ public:
   /// source or a buffer is shorter than the row or column.
   /// @{
 
+  // The conditions are what is reported, to the letter.
+  // NOLINTBEGIN(modernize-use-nullptr)
+
   /// `_row` becomes the row; its block is reused when its capacity suffices.
   void GetRowCopy(int _rowid, HYLBasVector<T>& _row) const {
     HYLBAS_ARRAY2D_CHECK(m_data != 0 && _rowid >= 0 && _rowid < m_m);
@@ -442,6 +445,7 @@ public:
                             "m_data != 0 && _colid >= 0 &&_colid < m_n && _m >= m_m");
     hylbas_detail::Column<Order>(m_data, m_m, m_n, _colid).CopyFrom(_col);
   }
+  // NOLINTEND(modernize-use-nullptr)
   /// @}
 
   /// \name Extraction

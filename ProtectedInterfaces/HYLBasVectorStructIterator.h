@@ -23,6 +23,7 @@ public:
   ~HYLBasVectorStructIterator() {}
 
   /// Takes over the other's position and step.
+  // NOLINTNEXTLINE(bugprone-unhandled-self-assignment): it owns nothing that could be lost
   HYLBasVectorStructIterator& operator=(HYLBasVectorStructIterator const& other) {
     m_step = other.m_step;
     m_position = other.m_position;

@@ -149,9 +149,11 @@ class Lines {
 public:
   using Array = HYLBasArray2D<T, order>;
 
-  Lines(std::string const& type, Shape shape) : m_type(type), m_shape(shape) {
+  Lines(std::string const& type, Shape shape) : m_type(type), m_shape(shape) {}
+
+  void RegisterAll() {
     char const* const peers[] = {order == 0 ? "memcpy" : "loop", order == 0 ? "loop" : "memcpy"};
-    int const m = shape.m, n = shape.n;
+    int const m = m_shape.m, n = m_shape.n;
     Add(
         "get row", peers[0], m, n,
         [](Array& a, int i, T* line, int size) { a.GetRowCopy(i, size, line); },
@@ -342,9 +344,9 @@ void Norms(Shape shape) {
     AllElements<int, 1>("int columns", shape);
     AllElements<double, 0>("double rows", shape);
     AllElements<double, 1>("double columns", shape);
-    Lines<int, 0>("int rows", shape);
-    Lines<double, 0>("double rows", shape);
-    Lines<double, 1>("double columns", shape);
+    Lines<int, 0>("int rows", shape).RegisterAll();
+    Lines<double, 0>("double rows", shape).RegisterAll();
+    Lines<double, 1>("double columns", shape).RegisterAll();
     Norms(shape);
   }
   return true;
