@@ -2,7 +2,9 @@
 /// All of the library's public headers. Each of them also stands on its own.
 #pragma once
 
+#include "HYLAspStructReplicator.h"
 #include "HYLBasAllocationOperators.h"
+#include "HYLBasArray2D.h"
 #include "HYLBasComparitor.h"
 #include "HYLBasExport.h"
 #include "HYLBasGenericsAllocator.h"
@@ -13,6 +15,7 @@
 #include "HYLBasIsSortedGeneric.h"
 #include "HYLBasMap.h"
 #include "HYLBasMicroAllocator.h"
+#include "HYLBasMicroList.h"
 #include "HYLBasNodeAllocator.h"
 #include "HYLBasNodeOffsets.h"
 #include "HYLBasNodeTrackingAllocator.h"
@@ -31,5 +34,7 @@
 #include "HYLBasVector.h"
 #include "HYLBasVectorAllocator.h"
 #include "HYLBasVectorGeneric.h"
+#include "HYLBasVectorStruct.h"
+#include "HYLBasVectorStructIterator.h"
 #include "HYLBasVectorTextFile.h"
 #include "HYLBasVectorTrackingAllocator.h"

@@ -27,9 +27,8 @@ public:
   /// Ends the life of `count` consecutive elements, once over each batch that leaves a container.
   using DestroyFunction = void (*)(void const* first, unsigned int count);
 
-  /// Elements of `size` bytes (at least 1, unchecked) without functions: serves only a container
-  /// that never calls the copy function. Containers do call it for runs of no elements, as in
-  /// `Clear()`.
+  /// Elements of `size` bytes (at least 1, unchecked) without functions: plain records. Vectors
+  /// copy them bytewise; it serves no other container.
   HYLBASGENERICS_EXPORT_INLINE explicit HYLBasReplicatorGeneric(int size)
       : m_size(size), m_copy(nullptr), m_destroy(nullptr) {}
   /// Elements of `size` bytes (at least 1, unchecked). A null `destroy` means that elements need no
@@ -39,7 +38,7 @@ public:
       : m_size(size), m_copy(copy), m_destroy(destroy) {}
 
   int m_size;                ///< bytes per element
-  CopyFunction m_copy;       ///< called without a test by every operation that copies elements
+  CopyFunction m_copy;       ///< null only without functions
   DestroyFunction m_destroy; ///< may be null
 };
 

@@ -1,4 +1,4 @@
-// The type-erased vector beside a model that follows contents, capacity and every call.
+// The type-erased vectors beside a model that follows contents, capacity and every call.
 #include <csignal>
 #include <cstdint>
 #include <random>
@@ -7,6 +7,7 @@
 
 #include "HYLBasVector.h"
 #include "HYLBasVectorGeneric.h"
+#include "HYLBasVectorStruct.h"
 #include "support/PlainVector.h"
 #include "support/RecordingMemory.h"
 
@@ -47,7 +48,27 @@ Kind const kinds[] = {
     {"two ints copied as one", {8, HYLBasPODCopy<unsigned long long>, nullptr}, false},
 };
 
+// The vectors that carry out the same algorithms, and their policies.
+using ByFunction = HYLBasVectorStruct<HYLBasVectorAllocator, HYLBasReplicatorGeneric>;
+using Bytewise = HYLBasVectorStruct<HYLBasVectorAllocator, HYLAspStructReplicator>;
+template <class V>
+constexpr bool isRecordVector = !std::is_same_v<V, HYLBasVectorGeneric>;
+template <class V>
+constexpr bool callsCopyFunction = !std::is_same_v<V, Bytewise>;
+
+template <class V>
+auto Policy(HYLBasReplicatorGeneric const& replicator) {
+  if constexpr (callsCopyFunction<V>) {
+    return replicator;
+  } else {
+    HYLAspStructReplicator bytewise(replicator.m_size);
+    bytewise.m_destroy = replicator.m_destroy;
+    return bytewise;
+  }
+}
+
 // Two vectors and their models, driven through the same operations.
+template <class V>
 class VectorAndModel {
 public:
   VectorAndModel(Kind const& kind, unsigned int seed) : m_kind(kind), m_random(seed) {
@@ -61,7 +82,7 @@ public:
       m_models.emplace_back(m_memory, s, kind.replicator.m_destroy != nullptr);
       auto [value, place] = Value();
       unsigned int const n = Below(4);
-      m_vectors.push_back(new HYLBasVectorGeneric(kind.replicator, n, value));
+      m_vectors.push_back(new V(Policy<V>(kind.replicator), n, value));
       m_models[i].InitCopies(n, place);
     }
   }
@@ -77,13 +98,13 @@ public:
 
   void Step() {
     int const i = static_cast<int>(Below(2));
-    HYLBasVectorGeneric& v = *m_vectors[i];
+    V& v = *m_vectors[i];
     model::PlainVector& m = m_models[i];
     auto const s = static_cast<std::ptrdiff_t>(elementSize);
     char* const first = static_cast<char*>(v.Begin());
     unsigned int const k = Below(m.size + 1), n = Below(2) ? Below(6) : Below(40);
     auto const [value, place] = Below(4) && m.size ? ValueOf(i) : Value();
-    unsigned int const action = Below(17);
+    unsigned int const action = Below(isRecordVector<V> ? 19 : 17);
     switch (action) {
     case 0:
     case 1:
@@ -139,7 +160,7 @@ public:
       v.Reserve(n), m.Reserve(n);
       break;
     case 15: {
-      HYLBasVectorGeneric& source = *m_vectors[Below(2)];
+      V& source = *m_vectors[Below(2)];
       model::PlainVector const sourceModel = m_models[&source == m_vectors[1]];
       EXPECT_EQ(&(v = source), &v);
       m.AssignFrom(sourceModel);
@@ -159,6 +180,12 @@ public:
       }
       break;
     }
+    }
+    if constexpr (isRecordVector<V>) {
+      if (action >= 17) {
+        action == 17 ? v.Resize(n) : v.resize(n);
+        m.ResizeWithZeros(n);
+      }
     }
     CompareCalls(std::to_string(action).c_str());
     for (int j : {0, 1})
@@ -183,13 +210,14 @@ private:
 
   void CompareCalls(char const* what) {
     auto expected = m_memory.events;
-    if (!m_kind.copiesRecorded) std::erase_if(expected, [](auto& e) { return e.kind == 'C'; });
+    if (!m_kind.copiesRecorded || !callsCopyFunction<V>)
+      std::erase_if(expected, [](auto& e) { return e.kind == 'C'; });
     ASSERT_TRUE(recording::Events() == expected) << m_kind.name << " after action " << what;
     recording::Events().clear();
     m_memory.events.clear();
   }
 
-  void CompareContents(HYLBasVectorGeneric const& v, model::PlainVector const& m) {
+  void CompareContents(V const& v, model::PlainVector const& m) {
     ASSERT_EQ(v.Size(), m.size);
     ASSERT_EQ(v.Capacity(), m.capacity);
     ASSERT_EQ(recording::Locate(v.Begin()), m.At(0));
@@ -205,23 +233,31 @@ private:
   alignas(16) unsigned char m_own[512];
   model::Memory m_memory;
   std::vector<model::PlainVector> m_models;
-  std::vector<HYLBasVectorGeneric*> m_vectors;
+  std::vector<V*> m_vectors;
 };
 
-TEST(VectorGeneric, FollowsTheModelInContentsCapacityAndEveryCall) {
+template <class V>
+class ErasedVector : public testing::Test {};
+using ErasedVectors = testing::Types<HYLBasVectorGeneric, ByFunction, Bytewise>;
+TYPED_TEST_SUITE(ErasedVector, ErasedVectors, );
+template <class V>
+class ErasedVectorDeathTest : public testing::Test {};
+TYPED_TEST_SUITE(ErasedVectorDeathTest, ErasedVectors, );
+
+TYPED_TEST(ErasedVector, FollowsTheModelInContentsCapacityAndEveryCall) {
   for (Kind const& kind : kinds)
     for (unsigned int seed = 1; seed != 31; ++seed) {
       SCOPED_TRACE(std::string(kind.name) + ", seed " + std::to_string(seed));
-      VectorAndModel pair(kind, seed);
+      VectorAndModel<TypeParam> pair(kind, seed);
       for (int step = 0; step != 200 && !testing::Test::HasFailure(); ++step)
         pair.Step();
       if (testing::Test::HasFailure()) return;
     }
 }
 
-TEST(VectorGeneric, FailedRequestLeavesTheVectorUnchangedAndLosesNothing) {
+TYPED_TEST(ErasedVector, FailedRequestLeavesTheVectorUnchangedAndLosesNothing) {
   int const values[] = {1, 2, 3, 4};
-  using Operation = void (*)(HYLBasVectorGeneric&, int const* values);
+  using Operation = void (*)(TypeParam&, int const* values);
   Operation const operations[] = {
       [](auto& v, int const* x) { v.PushBack(x); },
       [](auto& v, int const* x) { v.Insert(v.Begin(), x); },
@@ -230,13 +266,13 @@ TEST(VectorGeneric, FailedRequestLeavesTheVectorUnchangedAndLosesNothing) {
       [](auto& v, int const* x) { v.Assign(9, x); },
       [](auto& v, int const*) { v.Reserve(9); },
       [](auto& v, int const* x) {
-        HYLBasVectorGeneric const source(HYLBasGetReplicator<int>(), 2, x);
+        TypeParam const source(Policy<TypeParam>(HYLBasGetReplicator<int>()), 2, x);
         v = source;
       },
   };
   recording::Reset(values, sizeof values);
   for (Operation const operation : operations) {
-    HYLBasVectorGeneric v(HYLBasGetReplicator<int>(), 0, nullptr);
+    TypeParam v(Policy<TypeParam>(HYLBasGetReplicator<int>()), 0, nullptr);
     v.Insert(v.End(), values, values + 4);
     unsigned int failures = 0;
     for (unsigned int k = 1;; ++k) {
@@ -260,39 +296,43 @@ TEST(VectorGeneric, FailedRequestLeavesTheVectorUnchangedAndLosesNothing) {
 }
 
 // The private operations, reached through the one door that access control leaves open.
-template <auto member, int door>
+template <class V, auto member, int door>
 struct Opened {
-  friend auto Open(std::integral_constant<int, door>) { return member; }
+  friend auto Open(V*, std::integral_constant<int, door>) { return member; }
 };
-#define OPEN(door, ...)                                                                            \
-  auto Open(std::integral_constant<int, door>);                                                    \
-  template struct Opened < static_cast<__VA_ARGS__, door>;
-using Generic = HYLBasVectorGeneric;
-OPEN(1, void (Generic::*)(unsigned int) > (&Generic::GrowCapacity))
-OPEN(2, unsigned int const& (Generic::*)(unsigned int const&, unsigned int const&) >
-            (&Generic::LargerOf))
-OPEN(3, unsigned int (Generic::*)(void const*, void const*) > (&Generic::distance))
-OPEN(4, bool (Generic::*)(void const*) > (&Generic::sameBytes))
-OPEN(5, void (Generic::*)(void*, unsigned int) > (&Generic::Destroy))
-OPEN(6, void (Generic::*)(void*) > (&Generic::Destroy))
-OPEN(7, char* (Generic::*)(unsigned int) > (&Generic::Allocate))
-OPEN(8, void (Generic::*)(void*, unsigned int) > (&Generic::Deallocate))
-OPEN(9, char* (Generic::*)(char*, unsigned int, void const*) > (&Generic::fill_n))
-OPEN(10, void (Generic::*)(char*, char*, void const*) > (&Generic::fill))
-OPEN(11, char* (Generic::*)(void const*, void const*, void*) > (&Generic::copy_over))
-OPEN(12, char* (Generic::*)(void*, char*, char*) > (&Generic::copy_backward))
-OPEN(13, void (Generic::*)(void*, void const*) > (&Generic::InsertAux))
+#define OPEN(V, door, ...)                                                                         \
+  auto Open(V*, std::integral_constant<int, door>);                                                \
+  template struct Opened < V, static_cast<__VA_ARGS__, door>;
+#define OPEN_ALL(V)                                                                                \
+  OPEN(V, 1, void (V::*)(unsigned int) > (&V::GrowCapacity))                                       \
+  OPEN(V, 2,                                                                                       \
+       unsigned int const& (V::*)(unsigned int const&, unsigned int const&) > (&V::LargerOf))      \
+  OPEN(V, 3, unsigned int (V::*)(void const*, void const*) > (&V::distance))                       \
+  OPEN(V, 4, bool (V::*)(void const*) > (&V::sameBytes))                                           \
+  OPEN(V, 5, void (V::*)(void*, unsigned int) > (&V::Destroy))                                     \
+  OPEN(V, 6, void (V::*)(void*) > (&V::Destroy))                                                   \
+  OPEN(V, 7, char* (V::*)(unsigned int) > (&V::Allocate))                                          \
+  OPEN(V, 8, void (V::*)(void*, unsigned int) > (&V::Deallocate))                                  \
+  OPEN(V, 9, char* (V::*)(char*, unsigned int, void const*) > (&V::fill_n))                        \
+  OPEN(V, 10, void (V::*)(char*, char*, void const*) > (&V::fill))                                 \
+  OPEN(V, 11, char* (V::*)(void const*, void const*, void*) > (&V::copy_over))                     \
+  OPEN(V, 12, char* (V::*)(void*, char*, char*) > (&V::copy_backward))                             \
+  OPEN(V, 13, void (V::*)(void*, void const*) > (&V::InsertAux))
+OPEN_ALL(HYLBasVectorGeneric)
+OPEN_ALL(ByFunction)
+OPEN_ALL(Bytewise)
+#undef OPEN_ALL
 #undef OPEN
-template <int door>
+template <class V, int door>
 auto Private() {
-  return Open(std::integral_constant<int, door>());
+  return Open(static_cast<V*>(nullptr), std::integral_constant<int, door>());
 }
 
 // Each violation ends the process, with exactly the text that belongs to it.
-TEST(VectorGenericDeathTest, ViolationsEndTheProcess) {
+TYPED_TEST(ErasedVectorDeathTest, ViolationsEndTheProcess) {
   int const values[] = {1, 2, 3, 4, 5};
   recording::Reset(values, sizeof values);
-  HYLBasVectorGeneric v(HYLBasGetReplicator<int>(), 0, nullptr);
+  TypeParam v(Policy<TypeParam>(HYLBasGetReplicator<int>()), 0, nullptr);
   v.Reserve(4);
   v.Insert(v.End(), values, values + 2);
   char* const first = static_cast<char*>(v.Begin());
@@ -311,18 +351,19 @@ TEST(VectorGenericDeathTest, ViolationsEndTheProcess) {
   EXPECT_EXIT(v.Erase(first + 8), dies, "^$");
   EXPECT_EXIT(v.Erase(first - 4, first), dies, "^$");
   EXPECT_EXIT(v.Erase(first, first + 12), dies, "^$");
-  EXPECT_EXIT(v.RangeCheck(2), dies, "^Error: out-of-bounds violation in HYLBasVector.\n$");
-  EXPECT_EXIT(v.RangeCheck(4294967295u), dies,
-              "^Error: out-of-bounds violation in HYLBasVector.\n$");
+  char const* const text =
+      isRecordVector<TypeParam> ? "^$" : "^Error: out-of-bounds violation in HYLBasVector.\n$";
+  EXPECT_EXIT(v.RangeCheck(2), dies, text);
+  EXPECT_EXIT(v.RangeCheck(4294967295u), dies, text);
   // A request too large for 32 bits asks for the one size that is always refused.
   char const* const refused = "4294967295 bytes";
   EXPECT_EXIT(v.Reserve(1073741824u), dies, refused);
   EXPECT_EXIT(v.Insert(v.End(), 4294967295u, values), dies, refused);
   EXPECT_EXIT(v.Assign(4294967295u, values), dies, refused);
   EXPECT_EXIT(v.Resize(4294967295u, values), dies, refused);
-  EXPECT_EXIT((v.*Private<1>())(4294967295u), dies, refused);
-  EXPECT_EXIT(HYLBasVectorGeneric(HYLBasGetReplicator<double>(), 4294967295u, values), dies,
-              refused);
+  EXPECT_EXIT((v.*Private<TypeParam, 1>())(4294967295u), dies, refused);
+  EXPECT_EXIT(TypeParam(Policy<TypeParam>(HYLBasGetReplicator<double>()), 4294967295u, values),
+              dies, refused);
   EXPECT_EXIT(v.Insert(v.End(), values + 1, values), dies, refused);
   if constexpr (sizeof(void*) > 4) {
     void const* const farEnd = reinterpret_cast<void const*>(
@@ -332,56 +373,57 @@ TEST(VectorGenericDeathTest, ViolationsEndTheProcess) {
   }
 }
 
-TEST(VectorGeneric, PrivateOperations) {
+TYPED_TEST(ErasedVector, PrivateOperations) {
   unsigned char const bytes[16] = {7, 7, 7, 7, 7, 7, 7, 8};
   elementSize = 7;
   recording::Reset(bytes, sizeof bytes);
-  HYLBasVectorGeneric v({7, RecordingCopy, RecordingDestroy}, 2, bytes);
-  (v.*Private<1>())(1);
+  TypeParam v(Policy<TypeParam>({7, RecordingCopy, RecordingDestroy}), 2, bytes);
+  (v.*Private<TypeParam, 1>())(1);
   EXPECT_EQ(v.Capacity(), 4u);
-  (v.*Private<1>())(7);
+  (v.*Private<TypeParam, 1>())(7);
   EXPECT_EQ(v.Capacity(), 9u);
 
   unsigned int const a = 3, b = 3, c = 4;
-  EXPECT_EQ(&(v.*Private<2>())(a, b), &a);
-  EXPECT_EQ(&(v.*Private<2>())(a, c), &c);
-  EXPECT_EQ((v.*Private<3>())(v.End(), v.Begin()), 2u);
-  EXPECT_EQ((v.*Private<3>())(v.Begin(), v.End()), 4294967294u);
-  EXPECT_TRUE((v.*Private<4>())(bytes));
-  EXPECT_FALSE((v.*Private<4>())(bytes + 1));
-  HYLBasVectorGeneric single({1, RecordingCopy, nullptr}, 0, nullptr);
-  EXPECT_TRUE((single.*Private<4>())(bytes + 7));
+  EXPECT_EQ(&(v.*Private<TypeParam, 2>())(a, b), &a);
+  EXPECT_EQ(&(v.*Private<TypeParam, 2>())(a, c), &c);
+  EXPECT_EQ((v.*Private<TypeParam, 3>())(v.End(), v.Begin()), 2u);
+  EXPECT_EQ((v.*Private<TypeParam, 3>())(v.Begin(), v.End()), 4294967294u);
+  EXPECT_TRUE((v.*Private<TypeParam, 4>())(bytes));
+  EXPECT_FALSE((v.*Private<TypeParam, 4>())(bytes + 1));
+  TypeParam single(Policy<TypeParam>({1, RecordingCopy, nullptr}), 0, nullptr);
+  EXPECT_TRUE((single.*Private<TypeParam, 4>())(bytes + 7));
 
   // Each vector keeps its own replicator.
-  HYLBasVectorGeneric plain({7, RecordingCopy, nullptr}, 1, bytes);
+  TypeParam plain(Policy<TypeParam>({7, RecordingCopy, nullptr}), 1, bytes);
   plain.swap(v);
   plain.swap(v);
   plain = v;
   recording::Events().clear();
   plain.Clear();
-  EXPECT_EQ(recording::Events().back().kind, 'C');
+  for (auto const& event : recording::Events())
+    EXPECT_EQ(event.kind, 'C');
 
   char* const slots = static_cast<char*>(v.Begin());
-  EXPECT_EQ((v.*Private<9>())(slots, 2, bytes + 1), slots + 14);
+  EXPECT_EQ((v.*Private<TypeParam, 9>())(slots, 2, bytes + 1), slots + 14);
   EXPECT_EQ(std::memcmp(slots + 7, bytes + 1, 7), 0);
-  (v.*Private<10>())(slots, slots + 7, bytes);
-  EXPECT_EQ((v.*Private<11>())(bytes, bytes + 7, slots + 7), slots + 14);
-  EXPECT_EQ((v.*Private<12>())(slots, slots + 7, slots + 14), slots + 7);
+  (v.*Private<TypeParam, 10>())(slots, slots + 7, bytes);
+  EXPECT_EQ((v.*Private<TypeParam, 11>())(bytes, bytes + 7, slots + 7), slots + 14);
+  EXPECT_EQ((v.*Private<TypeParam, 12>())(slots, slots + 7, slots + 14), slots + 7);
   EXPECT_EQ(std::memcmp(slots + 7, bytes, 7), 0);
-  (v.*Private<13>())(slots, bytes + 1);
+  (v.*Private<TypeParam, 13>())(slots, bytes + 1);
   EXPECT_EQ(v.Size(), 3u);
   EXPECT_EQ(std::memcmp(slots, bytes + 1, 7), 0);
   v.PopBack();
 
   recording::Events().clear();
-  (v.*Private<5>())(v.Begin(), 2);
-  (v.*Private<6>())(v.Begin());
-  (single.*Private<6>())(v.Begin()); // has no destroy function
-  char* const block = (v.*Private<7>())(3);
-  EXPECT_EQ((v.*Private<7>())(0), nullptr);
+  (v.*Private<TypeParam, 5>())(v.Begin(), 2);
+  (v.*Private<TypeParam, 6>())(v.Begin());
+  (single.*Private<TypeParam, 6>())(v.Begin()); // has no destroy function
+  char* const block = (v.*Private<TypeParam, 7>())(3);
+  EXPECT_EQ((v.*Private<TypeParam, 7>())(0), nullptr);
   Place const first = recording::Locate(v.Begin()), allocated = recording::Locate(block);
-  (v.*Private<8>())(block, 3);
-  (v.*Private<8>())(nullptr, 3);
+  (v.*Private<TypeParam, 8>())(block, 3);
+  (v.*Private<TypeParam, 8>())(nullptr, 3);
   std::vector<recording::Event> const expected = {{'D', first, {-1, 0}, 2},
                                                   {'D', first, {-1, 0}, 1},
                                                   {'A', {-1, 0}, {-1, 0}, 21},

@@ -3,7 +3,6 @@
 #include <cstdio>
 #include <cstdlib>
 
-#include "PlainData.h"
 #include "VectorAlgorithms.h"
 
 using Algorithms = hylbas_detail::VectorAlgorithms<HYLBasVectorGeneric>;

@@ -3,8 +3,7 @@
 /// where a replicator carries them, a block move or a typed store does what the calls would do.
 #pragma once
 
-#include <cstring>
-
+#include "HYLAspStructReplicator.h"
 #include "HYLBasReplicator.h"
 
 namespace hylbas_detail {
@@ -53,5 +52,8 @@ inline bool DestroysNothing(HYLBasReplicatorGeneric const& replicator) {
   return replicator.m_destroy == nullptr HYLBAS_FOR_EACH_MAPPED_TYPE(HYLBAS_OR_DESTROYS_ELEMENTS);
 #undef HYLBAS_OR_DESTROYS_ELEMENTS
 }
+
+/// Records copied bytewise are moved by the library alone.
+inline bool IsPlainData(HYLAspStructReplicator const& /*replicator*/) { return true; }
 
 } // namespace hylbas_detail

@@ -13,6 +13,7 @@
 #include <cstring>
 
 #include "HYLBasVectorGeneric.h"
+#include "PlainData.h"
 
 namespace hylbas_detail {
 
@@ -25,6 +26,21 @@ void FillWords(char* first, char const* last, void const* value) {
   std::size_t const count = static_cast<std::size_t>(last - first) / sizeof word;
   for (std::size_t i = 0; i != count; ++i)
     std::memcpy(first + i * sizeof word, &word, sizeof word);
+}
+
+/// Elements without a copy function, of a replicator that was built from a size alone, are bytes.
+inline void CopyElements(HYLBasReplicatorGeneric const& replicator, void const* from, void* to,
+                         unsigned int n) {
+  if (replicator.m_copy != nullptr) {
+    replicator.m_copy(from, to, n);
+  } else if (n != 0) {
+    std::memmove(to, from, n * static_cast<std::size_t>(replicator.m_size));
+  }
+}
+
+inline void CopyElements(HYLAspStructReplicator& replicator, void const* from, void* to,
+                         unsigned int n) {
+  replicator.m_copy(from, to, n);
 }
 
 template <class V>
@@ -67,6 +83,10 @@ public:
     if (p != nullptr) v.m_allocator.deallocate(p, n);
   }
 
+  static void Copy(V& v, void const* from, void* to, unsigned int n) {
+    CopyElements(v.m_replicator, from, to, n);
+  }
+
   static void Destroy(V& v, void* p, unsigned int n) {
     if (v.m_replicator.m_destroy != nullptr) v.m_replicator.m_destroy(p, n);
   }
@@ -87,11 +107,17 @@ public:
     v.m_last = v.m_endOfStorage = fill_n(v, v.m_first, n, value);
   }
 
+  static void InitZeros(V& v, unsigned int n) {
+    v.m_first = v.m_last = v.m_endOfStorage = Allocate(v, n);
+    if (n != 0) std::memset(v.m_first, 0, n * Step(v));
+    v.m_last = v.m_endOfStorage = v.m_first + n * Step(v);
+  }
+
   static void InitRange(V& v, void const* first, void const* last) {
     std::uint64_t const range = WholeCount(v, first, last);
     v.m_first = v.m_last = v.m_endOfStorage = Allocate(v, range);
     auto const n = static_cast<unsigned int>(range);
-    v.m_replicator.m_copy(first, v.m_first, n);
+    Copy(v, first, v.m_first, n);
     v.m_last = v.m_endOfStorage = v.m_first + n * Step(v);
   }
   /// @}
@@ -110,14 +136,14 @@ public:
     while (last != first) {
       last -= Step(v);
       result -= Step(v);
-      v.m_replicator.m_copy(last, result, 1);
+      Copy(v, last, result, 1);
     }
     return result;
   }
 
   static char* copy_over(V& v, void const* first, void const* last, void* result) {
     unsigned int const n = Count(v, first, last);
-    v.m_replicator.m_copy(first, result, n);
+    Copy(v, first, result, n);
     return static_cast<char*>(result) + n * Step(v);
   }
 
@@ -140,7 +166,7 @@ public:
     }
     if (FillPlain(v, first, last, value)) return;
     for (; first != last; first += Step(v))
-      v.m_replicator.m_copy(value, first, 1);
+      Copy(v, value, first, 1);
   }
 
   static char* fill_n(V& v, char* first, unsigned int n, void const* value) {
@@ -182,17 +208,17 @@ public:
     } else if (v.m_last == v.m_endOfStorage) {
       std::uint64_t const size = Size(v);
       InsertIntoNewBlock(v, size == 0 ? 1 : 2 * size, pos, [&](char* slot) {
-        v.m_replicator.m_copy(value, slot, 1);
+        Copy(v, value, slot, 1);
         return slot + Step(v);
       });
     } else {
       if (!OpenGap(v, pos, 1)) {
         char* const oldLast = v.m_last;
-        v.m_replicator.m_copy(oldLast - Step(v), oldLast, 1);
+        Copy(v, oldLast - Step(v), oldLast, 1);
         v.m_last += Step(v);
         copy_backward(v, pos, oldLast - Step(v), oldLast);
       }
-      v.m_replicator.m_copy(value, pos, 1);
+      Copy(v, value, pos, 1);
     }
   }
 
@@ -237,7 +263,7 @@ public:
     // There is no element to erase at the end.
     if (pos < v.m_first || pos >= v.m_last) std::abort();
     char* const next = pos + Step(v);
-    if (next != v.m_last) v.m_replicator.m_copy(next, pos, Count(v, next, v.m_last));
+    if (next != v.m_last) Copy(v, next, pos, Count(v, next, v.m_last));
     PopBack(v);
     return pos;
   }
@@ -276,11 +302,25 @@ public:
     }
   }
 
+  /// Growing, also by nothing, always moves to a new block, which is zero after the old elements.
+  static void ResizeWithZeros(V& v, unsigned int n) {
+    unsigned int const size = Size(v);
+    if (n < size) {
+      Erase(v, v.m_first + n * Step(v), v.m_last);
+    } else {
+      std::uint64_t const capacity = n + 2 * std::uint64_t{size} + 1;
+      char* const block = Allocate(v, capacity);
+      Copy(v, v.m_first, block, size);
+      std::memset(block + size * Step(v), 0, static_cast<std::size_t>(capacity - size) * Step(v));
+      ReplaceBlock(v, block, block + n * Step(v), capacity);
+    }
+  }
+
   static void Reserve(V& v, std::uint64_t n) {
     if (n <= Capacity(v)) return;
     char* const block = Allocate(v, n);
     unsigned int const size = Size(v);
-    v.m_replicator.m_copy(v.m_first, block, size);
+    Copy(v, v.m_first, block, size);
     ReplaceBlock(v, block, block + size * Step(v), n);
   }
 
@@ -328,21 +368,25 @@ private:
   }
 
   static void Append(V& v, void const* value) {
-    v.m_replicator.m_copy(value, v.m_last, 1);
+    Copy(v, value, v.m_last, 1);
     v.m_last += Step(v);
   }
 
-  /// Stores the value directly where the single copies cannot be observed; false where they can,
-  /// and where the value lies among the slots that are written.
+  /// Stores the words of the value directly where the single copies cannot be observed; false where
+  /// they can, and where the value lies among the slots that are written.
   static bool FillPlain(V& v, char* first, char* last, void const* value) {
     auto const* const bytes = static_cast<char const*>(value);
     if (!IsPlainData(v.m_replicator) || (bytes < last && bytes + Step(v) > first)) return false;
-    if (Step(v) == sizeof(std::uint32_t)) {
+    switch (Step(v)) {
+    case sizeof(std::uint32_t):
       FillWords<std::uint32_t>(first, last, value);
-    } else {
+      return true;
+    case sizeof(std::uint64_t):
       FillWords<std::uint64_t>(first, last, value);
+      return true;
+    default:
+      return false;
     }
-    return true;
   }
 
   /// Appends at or after the end of storage; slots between the elements and `pos` become zero.
@@ -351,10 +395,10 @@ private:
     unsigned int const size = Size(v);
     std::uint64_t const capacity = std::uint64_t{index} + 2 * std::uint64_t{size} + 1;
     char* const block = Allocate(v, capacity);
-    v.m_replicator.m_copy(v.m_first, block, size);
+    Copy(v, v.m_first, block, size);
     char* const slot = block + index * Step(v);
     if (index != size) std::memset(block + size * Step(v), 0, (index - size) * Step(v));
-    v.m_replicator.m_copy(value, slot, 1);
+    Copy(v, value, slot, 1);
     ReplaceBlock(v, block, slot + Step(v), capacity);
   }
 
@@ -365,9 +409,9 @@ private:
     char* const block = Allocate(v, capacity);
     unsigned int const before = Count(v, v.m_first, pos);
     unsigned int const after = Count(v, pos, v.m_last);
-    v.m_replicator.m_copy(v.m_first, block, before);
+    Copy(v, v.m_first, block, before);
     char* const next = write(block + before * Step(v));
-    v.m_replicator.m_copy(pos, next, after);
+    Copy(v, pos, next, after);
     ReplaceBlock(v, block, next + after * Step(v), capacity);
   }
 
@@ -391,7 +435,7 @@ private:
       fill(v, pos, pos + n * Step(v), value);
     } else {
       v.m_last = fill_n(v, oldLast, n - after, value);
-      v.m_replicator.m_copy(pos, v.m_last, after);
+      Copy(v, pos, v.m_last, after);
       v.m_last += after * Step(v);
       fill(v, pos, oldLast, value);
     }
@@ -406,9 +450,9 @@ private:
       copy_over(v, first, last, pos);
     } else {
       char const* const split = first + after * Step(v);
-      v.m_replicator.m_copy(split, oldLast, n - after);
+      Copy(v, split, oldLast, n - after);
       v.m_last += (n - after) * Step(v);
-      v.m_replicator.m_copy(pos, v.m_last, after);
+      Copy(v, pos, v.m_last, after);
       v.m_last += after * Step(v);
       copy_over(v, first, split, pos);
     }
@@ -418,7 +462,7 @@ private:
   static void ShiftUp(V& v, char* pos, unsigned int n) {
     char* const oldLast = v.m_last;
     char* const split = oldLast - n * Step(v);
-    v.m_replicator.m_copy(split, oldLast, n);
+    Copy(v, split, oldLast, n);
     v.m_last += n * Step(v);
     copy_backward(v, pos, split, oldLast);
   }

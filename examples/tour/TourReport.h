@@ -10,5 +10,9 @@
 /// Typed vectors: mean, extremes with their years, and a bar chart of decades.
 bool ReportFlow(Series const& series);
 
+/// Two-dimensional arrays over the vector's own block, in both storage orders: means and norms of
+/// decades, and the extraction of chosen ones.
+bool ReportDecades(Series const& series);
+
 /// Text files: a derived vector is written, read again and compared.
 bool ReportTextFile(Series const& series);

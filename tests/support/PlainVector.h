@@ -149,6 +149,17 @@ public:
       InsertCopies(size, n - size, value);
     }
   }
+  void ResizeWithZeros(unsigned int n) {
+    if (n < size) {
+      Erase(n, size);
+    } else {
+      PlainVector old(*this);
+      unsigned int const newCapacity = n + 2 * size + 1;
+      SetBlock(Allocate(newCapacity), n, newCapacity); // whose bytes are zero
+      Copy(old.At(0), At(0), old.size);
+      old.Release();
+    }
+  }
   void Reserve(unsigned int n) {
     if (n <= capacity) return;
     PlainVector old(*this);

@@ -78,7 +78,10 @@ static void* Allocate(unsigned int size) {
 }
 
 static void Free(void* block) {
-  if (block == nullptr) return;
+  if (block == nullptr) {
+    state().events.push_back({'F', {-1, 0}, {-1, 0}, 0});
+    return;
+  }
   auto const found = state().live.find(static_cast<char*>(block));
   if (found == state().live.end()) Fail("release of a block that is not live");
   char* const raw = static_cast<char*>(block) - guard;

@@ -17,8 +17,8 @@ struct Place {
   bool operator==(Place const&) const = default;
 };
 
-/// One call that a container made: 'A'llocate (n bytes), 'F'ree, 'C'opy (n elements from a to b),
-/// 'D'estroy (n elements from a).
+/// One call that a container made: 'A'llocate (n bytes), 'F'ree (also of null), 'C'opy (n elements
+/// from a to b), 'D'estroy (n elements from a).
 struct Event {
   char kind;
   Place a, b;

@@ -1,0 +1,3 @@
+#include "HYLBasMicroList.h"
+
+template class HYLBasMicroList<int>;

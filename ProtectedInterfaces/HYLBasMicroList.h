@@ -1,0 +1,59 @@
+/// \file
+/// The smallest container: a block of numbers whose length is fixed when the list is made.
+///
+/// Take it where very many short lists lie about and their owners know the lengths: an object is a
+/// pointer and one byte, and the block holds the elements alone. Take `HYLBasVector<T>` for
+/// anything that grows or is asked for its length.
+///
+/// No operation checks an index. Exhausted memory is not reported: the list is then empty, and an
+/// access to an element fails in the caller's own code.
+#pragma once
+
+#include "HYLBasExport.h"
+#include "HYLBasMicroAllocator.h"
+
+/// The library holds it for `int`.
+template <class T>
+class HYLBASGENERICS_EXPORT HYLBasMicroList {
+public:
+  HYLBasMicroList() : m_items(nullptr), m_count(0) {}
+
+  /// A list of `n` elements that are not initialised; empty unless `n` is in 0 to 127.
+  explicit HYLBasMicroList(int n) : m_items(nullptr), m_count(0) {
+    if (n < 0 || n > e_longest) return;
+    m_items = static_cast<T*>(HYLBasMicroAllocator::Alloc(n * static_cast<int>(sizeof(T))));
+    if (m_items != nullptr) m_count = static_cast<signed char>(n);
+  }
+
+  /// A list with copies of `other`'s elements; linear in their number.
+  HYLBasMicroList(HYLBasMicroList const& other) : m_items(nullptr), m_count(0) {
+    int const n = other.m_count; // NOLINT(bugprone-signed-char-misuse): a count, taken as signed
+    m_items = static_cast<T*>(HYLBasMicroAllocator::Alloc(n * static_cast<int>(sizeof(T))));
+    if (m_items == nullptr) return;
+    m_count = other.m_count;
+    for (int i = 0; i < n; ++i)
+      m_items[i] = other.m_items[i];
+  }
+
+  ~HYLBasMicroList() {
+    if (m_items != nullptr) HYLBasMicroAllocator::Free(m_items);
+    m_count = 0;
+    m_items = nullptr;
+  }
+
+  /// Changes nothing: the list keeps its own block, length and elements.
+  // NOLINTNEXTLINE(bugprone-unhandled-self-assignment, cert-oop54-cpp)
+  HYLBasMicroList& operator=(HYLBasMicroList const& /*other*/) { return *this; }
+
+  /// Element `i`, unchecked.
+  T& operator[](int i) { return m_items[i]; }
+  T& Get(int i) { return m_items[i]; }
+
+private:
+  enum { e_longest = 127 };
+
+  T* m_items;          // null without a block
+  signed char m_count; // 0 without a block
+};
+
+extern template class HYLBasMicroList<int>;
