@@ -1,7 +1,6 @@
 /// \file
 /// The steps of introsort as functions of their own, for those who build another sort from them. To
-/// sort an array, take `HYLBasSortSpecial` or `HYLBasSortGenericIx`: they give the same result, the
-/// former faster.
+/// sort an array, take `HYLBasSortSpecial` or `HYLBasSortGenericIx`.
 ///
 /// There is a family of steps for each of four kinds of elements: indices under the caller's
 /// ordering, pairs, and numbers of 32 and of 64 bits in ascending order. They have the names and
@@ -11,39 +10,43 @@
 ///
 /// All of them work in place, allocate nothing, check nothing and are not stable. An ordering must
 /// be a strict weak ordering: with any other the unguarded steps leave the range. What a step
-/// compares, in which order, and the arrangement that it leaves, is always the same.
+/// compares, in which order, and the arrangement that it leaves, is always the same, but for
+/// `SGIsort` of pairs, whose result alone is fixed.
 ///
-/// - `__introsort_loop`: leaves runs of at most 16 elements unsorted, each in its place; what is
-/// still
-///   longer after `depth` partitions it sorts by heap. n lg n.
-/// - `__median`: the middle one of three, by reference. At most 3 comparisons.
-/// - `__unguarded_partition`, for pairs `__unguarded_partitionx`: returns the cut. Nothing before
-/// it
-///   comes after the pivot, nothing from it on comes before the pivot. The range must hold elements
-///   that stop both scans, as it does when the pivot is the median of three of them. n.
-/// - `__final_insertion_sort`: sorts what `__introsort_loop` leaves. 16 n.
-/// - `__insertion_sort`: sorts. n².
-/// - `__unguarded_insertion_sort`, `__unguarded_insertion_sort_aux`: the same with an element
-/// before
-///   `first` that does not come after any of the range; inserts below `first` too. n².
-/// - `__linear_insert`: inserts `*last` into the sorted range before it. n.
-/// - `__unguarded_linear_insert`: inserts `value` into the sorted elements before `last`, where
-/// `*last`
-///   is free; one of them must not come after `value`. n.
-/// - `make_heap`, `__make_heap`: makes a heap: no element comes after its parent, and the children
-/// of
-///   the element at i are at 2i + 1 and 2i + 2. n.
-/// - `__adjust_heap`: puts `value` into the heap of `len` elements, of which the one at `hole` is
-/// free
-///   and those below it are heaps. lg n.
-/// - `__push_heap`: moves the free `hole` up, at most to `top`, to where `value` fits. lg n.
-/// - `pop_heap`, `__pop_heap_aux`: moves the greatest element to the end; the rest is a heap. lg n.
-/// - `__pop_heap`: stores the greatest element at `result` and puts `value` into the heap. lg n.
-/// - `sort_heap`: sorts a heap. n lg n.
+/// Partitioning:
+/// - `__introsort_loop` leaves runs of at most 16 elements unsorted, each in its place. What is
+///   longer after `depth` partitions, at least 0, it sorts by heap. n (depth + lg n).
+/// - `__median`: the middle one of three, by reference to the argument. At most 3 comparisons.
+/// - `__unguarded_partition`, for pairs `__unguarded_partitionx`, returns the cut: nothing before
+///   it comes after the pivot, nothing from it on comes before the pivot. The range must hold
+///   elements that stop both scans, as it does when the pivot is the median of three of them. n.
+///
+/// Inserting:
+/// - `__final_insertion_sort` sorts what `__introsort_loop` leaves. 16 n.
+/// - `__insertion_sort` sorts. n squared.
+/// - `__unguarded_insertion_sort`, `__unguarded_insertion_sort_aux`: the same where some element
+///   before `first` does not come after any of the range; may insert below `first`. n squared.
+/// - `__linear_insert` inserts `*last` into the sorted range before it, which is not empty. n.
+/// - `__unguarded_linear_insert` inserts `value` into the sorted elements before `last`, where
+///   `*last` is free; one of them must not come after `value`. n.
+///
+/// Heaps, in which no element comes after its parent; the children of i are at 2i + 1 and 2i + 2:
+/// - `make_heap`, `__make_heap` make one. n.
+/// - `__adjust_heap` puts `value` into the heap of `len` elements, of which the one at `hole` is
+///   free and those below it are heaps. lg n.
+/// - `__push_heap` moves the free `hole` up, at most to `top`, to where `value` fits. lg n.
+/// - `pop_heap`, `__pop_heap_aux` move the greatest element to the end of a heap that is not empty;
+///   the rest is a heap. lg n.
+/// - `__pop_heap` stores the greatest element at `result` and puts `value` into the heap, which is
+///   not empty. lg n.
+/// - `sort_heap` sorts a heap. n lg n.
 /// - `partial_sort`, `__partial_sort`: the least elements, sorted, in [`first`, `middle`). n lg n.
-/// - `copy_backward`, `__copy_backward`: copies into the range that ends at `result`, last element
-///   first; returns where the copies begin.
-/// - `iter_swap`, `__iter_swap`: exchanges two elements.
+///
+/// Moving:
+/// - `copy_backward`, `__copy_backward` copy into the range that ends at `result`, last element
+///   first, and return where the copies begin. A `result` below `last`, but above `first`,
+///   overwrites elements before they are copied.
+/// - `iter_swap`, `__iter_swap` exchange two elements.
 /// - `value_type`: a null pointer, to be used as a tag.
 #pragma once
 

@@ -15,7 +15,7 @@
 #include "HYLBasPair.h"
 
 /// \name One array
-/// Sorts [`begin`, `end`), unchecked. Allocates nothing.
+/// Sorts [`begin`, `end`); a range that ends before it begins is left alone. Allocates nothing.
 /// @{
 HYLBASGENERICS_EXPORT void HYLBasSortSpecial(int* begin, int* end);
 HYLBASGENERICS_EXPORT void HYLBasSortSpecial(long long* begin, long long* end);
@@ -33,6 +33,6 @@ HYLBASGENERICS_EXPORT void sortInt64_1(long long* first, long long* last);
 /// Takes one block for a pair per element from `mem_Malloc_Handled`, none for empty arrays, and
 /// releases it. Arrays of different lengths are reported through `QELFatalError`. Where that
 /// returns, the length of the first array counts for both; the process ends where the second is
-/// shorter.
+/// shorter, and where an array ends before it begins.
 HYLBASGENERICS_EXPORT void HYLBasSort2Special(int* arrayBegin, int* arrayEnd, int* arraySecondBegin,
                                               int* arraySecondEnd);

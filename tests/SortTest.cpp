@@ -1,11 +1,13 @@
 // The sorts of whole arrays and the tests for order, and what they cost at worst.
 #include <algorithm>
 #include <csignal>
+#include <cstddef>
 #include <cstdint>
 #include <cstdlib>
 #include <limits>
 #include <numeric>
 #include <string>
+#include <tuple>
 #include <utility>
 #include <vector>
 
@@ -48,12 +50,13 @@ int ElementOf<int>(int value) {
 }
 template <>
 long long ElementOf<long long>(int value) { // halves that order differently by themselves
-  return (static_cast<long long>(value) >> 3) * 4294967296 + static_cast<unsigned int>(value * 77);
+  return (static_cast<long long>(value) >> 3) * 4294967296 + static_cast<unsigned int>(value) * 77u;
 }
 template <>
 Pair ElementOf<Pair>(int value) {
   return Pair(value >> 3, static_cast<int>(static_cast<unsigned int>(value) * 0x30000001u));
 }
+
 /// Sorts a range with something on either side, and compares with the standard's sort.
 template <class T>
 void CheckSort(std::vector<int> const& values, void (*sort)(T*, T*)) {
@@ -66,6 +69,11 @@ void CheckSort(std::vector<int> const& values, void (*sort)(T*, T*)) {
   std::sort(expected.begin() + 3, expected.end() - 3);
   sort(actual.data() + 3, actual.data() + actual.size() - 3);
   auto const isSame = [](T const& a, T const& b) { return !(a < b) && !(b < a); };
+  ASSERT_TRUE(std::equal(actual.begin(), actual.end(), expected.begin(), isSame)) << values.size();
+  // The steps that the engine replaces, on what it sorted, rotated by half.
+  std::rotate(actual.begin() + 3, actual.begin() + 3 + std::ssize(values) / 2, actual.end() - 3);
+  hylbas_detail::IntrosortSteps<T, std::ptrdiff_t, hylbas_detail::Ascending>::Sort(
+      actual.data() + 3, actual.data() + actual.size() - 3, {});
   ASSERT_TRUE(std::equal(actual.begin(), actual.end(), expected.begin(), isSame)) << values.size();
 }
 
@@ -91,6 +99,17 @@ TEST(SortSpecial, SortsEveryPatternAndAllocatesNothing) {
   }
   constexpr int least = std::numeric_limits<int>::min(), most = std::numeric_limits<int>::max();
   CheckAllSorts({0, most, least, -1, 1, least, most, 0});
+  long long extremes[] = {5,
+                          -1,
+                          1ll << 32,
+                          std::numeric_limits<long long>::max(),
+                          (1ll << 32) - 1,
+                          std::numeric_limits<long long>::min()};
+  HYLBasSortSpecial(std::begin(extremes), std::end(extremes));
+  EXPECT_TRUE(std::is_sorted(std::begin(extremes), std::end(extremes)));
+  Pair pairs[] = {Pair(most, least), Pair(0, -5), Pair(-1, 5), Pair(least, most), Pair(0, 5)};
+  HYLBasSortSpecial(std::begin(pairs), std::end(pairs));
+  EXPECT_TRUE(std::is_sorted(std::begin(pairs), std::end(pairs)));
   HYLBasSortSpecial(static_cast<int*>(nullptr), nullptr);
 }
 
@@ -258,6 +277,34 @@ TEST(SortGenericIx, ListsTheIndicesInOrder) {
       for (unsigned int i = 0; i != found.size(); ++i)
         ASSERT_EQ(found[i], i);
     }
+}
+
+// The steps of the index family on 0, 1, 2, …, comparison by comparison, with both contexts.
+TEST(SortGenericIx, ComparesWhatTheStepsCompare) {
+  using Comparison = std::tuple<unsigned int, unsigned int, void const*, void const*>;
+  static std::vector<Comparison> comparisons;
+  static Ints values;
+  auto const record = [](unsigned int a, unsigned int b, void const* c, void const* d) {
+    comparisons.emplace_back(a, b, c, d);
+    return values[a] < values[b];
+  };
+  int const contexts[2] = {};
+  HYLBasIxComparitor const ordering{record, &contexts[0], &contexts[1]};
+  for (int const n : {16, 17, 1000}) {
+    values = inputs::Make(inputs::patterns[3], n);
+    std::vector<unsigned int> expected(values.size());
+    std::iota(expected.begin(), expected.end(), 0u);
+    comparisons.clear();
+    hylbas_detail::IntrosortSteps<unsigned int, std::ptrdiff_t, HYLBasIxComparitor>::Sort(
+        expected.data(), expected.data() + n, ordering);
+    std::vector<Comparison> const described = comparisons;
+    comparisons.clear();
+    HYLBasVector<unsigned int> indices;
+    HYLBasSortGenericIx(nullptr, static_cast<unsigned int>(n), indices, ordering);
+    EXPECT_TRUE(comparisons == described);
+    EXPECT_TRUE(std::equal(indices.begin(), indices.end(), expected.begin()));
+    EXPECT_EQ(std::get<3>(comparisons.front()), &contexts[1]);
+  }
 }
 
 struct LessPredicate : HYLBasBinaryPredicateGeneric {

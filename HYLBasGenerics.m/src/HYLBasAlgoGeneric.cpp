@@ -40,8 +40,8 @@ void HYLBasSort2Special(int* arrayBegin, int* arrayEnd, int* arraySecondBegin,
 
   // A length that the vector cannot count must not become a shorter one.
   constexpr unsigned int longest = std::numeric_limits<unsigned int>::max();
-  bool const isCountable = arraySize >= 0 && static_cast<std::size_t>(arraySize) <= longest;
-  HYLBasVector<Pair> pairs(isCountable ? static_cast<unsigned int>(arraySize) : longest);
+  if (arraySize < 0 || static_cast<std::size_t>(arraySize) > longest) std::abort();
+  HYLBasVector<Pair> pairs(static_cast<unsigned int>(arraySize));
   std::transform(arrayBegin, arrayEnd, arraySecondBegin, pairs.begin(),
                  [](int first, int second) { return Pair(first, second); });
   SGIsort<Pair*>(pairs.begin(), pairs.end());

@@ -85,8 +85,7 @@ private:
     return true;
   }
 
-  // Every element before the range, where `isLeftmost` says that there is any, is at most its
-  // least.
+  // Unless `isLeftmost`, an element stands before the range that comes after none in it.
   static void Quicksort(Element* first, Element* last, std::ptrdiff_t depth, bool isLeftmost) {
     while (last - first > longestLeaf) {
       if (depth-- == 0) return Steps::PartialSort(first, last, last, {});
@@ -161,18 +160,18 @@ private:
   static void MergeHalves(Element* first, std::ptrdiff_t n) {
     Element merged[longestLeaf];
     Element const *left = first, *right = first + n / 2;
-    Element const *leftEnd = right - 1, *rightEnd = first + n - 1;
+    Element const *leftEnd = right, *rightEnd = first + n;
     for (std::ptrdiff_t i = 0; i != n / 2; ++i) {
       bool const takesRight = Key::Of(*right) < Key::Of(*left);
       merged[i] = *(takesRight ? right : left);
       right += takesRight;
       left += !takesRight;
-      bool const takesLeft = Key::Of(*rightEnd) < Key::Of(*leftEnd);
-      merged[n - 1 - i] = *(takesLeft ? leftEnd : rightEnd);
+      bool const takesLeft = Key::Of(rightEnd[-1]) < Key::Of(leftEnd[-1]);
+      merged[n - 1 - i] = (takesLeft ? leftEnd : rightEnd)[-1];
       leftEnd -= takesLeft;
       rightEnd -= !takesLeft;
     }
-    if (n % 2 != 0) merged[n / 2] = *(left <= leftEnd ? left : right);
+    if (n % 2 != 0) merged[n / 2] = *(left < leftEnd ? left : right);
     std::copy(merged, merged + n, first);
   }
 
@@ -260,10 +259,10 @@ inline void SortPairs(HYLBasPair<int, int>* first, HYLBasPair<int, int>* last) {
            (static_cast<unsigned int>(pair.second) ^ sign);
   };
   if (last - first > Engine::longestLeaf && Engine::FinishRun(first, last, pack)) return;
-  for (Pair* p = first; p != last; ++p)
+  for (Pair* p = first; p < last; ++p)
     *p = SortKey<Pair>::ElementOf(pack(*p));
   Engine::SortUnordered(first, last);
-  for (Pair* p = first; p != last; ++p) {
+  for (Pair* p = first; p < last; ++p) {
     auto const key = static_cast<unsigned long long>(SortKey<Pair>::Of(*p));
     *p = Pair(static_cast<int>(key >> 32), static_cast<int>(static_cast<unsigned int>(key) ^ sign));
   }
