@@ -25,6 +25,7 @@ struct Section {
 
 constexpr Section sections[] = {
     {"The flow", ReportFlow},
+    {"How often which flow, in a map", ReportMap},
     {"There and back as a text file", ReportTextFile},
 };
 

@@ -10,5 +10,8 @@
 /// Typed vectors: mean, extremes with their years, and a bar chart of decades.
 bool ReportFlow(Series const& series);
 
+/// Typed maps: a histogram that comes out in order, and two ways to insert a key that is there.
+bool ReportMap(Series const& series);
+
 /// Text files: a derived vector is written, read again and compared.
 bool ReportTextFile(Series const& series);
