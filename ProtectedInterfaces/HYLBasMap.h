@@ -95,12 +95,12 @@ public:
 
   /// The value of `key`, which is inserted with value zero when it is absent.
   V& operator[](K const& key) {
-    HYLBasTreeNodeGeneric* position = LowerBound(key);
-    if (position == m_tree.End() || key < Element(position)->first) {
-      value_type const element(key, V());
-      position = m_tree.InsertUniqueAtPosition(position, &element);
-    }
-    return Element(position)->second;
+    auto const [parent, before] = hylbas_detail::FindLeaf(
+        m_tree.End(), hylbas_detail::valueOffset<value_type>, &key, Order());
+    if (before != nullptr && !(Element(before)->first < key)) return Element(before)->second;
+    value_type const element(key, V());
+    HYLBasTreeNodeGeneric* const leftHint = parent == before ? nullptr : parent;
+    return Element(m_tree.TreeNodeInsert(leftHint, parent, &element))->second;
   }
   /// The element with `key`, or `end()`.
   iterator find(K const& key) { return Find(key); }

@@ -143,9 +143,6 @@ Leaf FindLeaf(HYLBasTreeNodeGeneric* header, int valueOffset, void const* value,
   Leaf leaf{header, nullptr};
   for (HYLBasTreeNodeGeneric* x = header->m_parent; x != nullptr;) {
     leaf.parent = x;
-    // One is the next node; the other one is wanted for its colour when the tree is balanced.
-    __builtin_prefetch(x->m_left);
-    __builtin_prefetch(x->m_right);
     StepToLeaf(x, leaf.before, valueOffset, value, order);
   }
   return leaf;

@@ -36,32 +36,41 @@ Node*& ChildField(Node* x, bool isLeft) {
 
 bool IsRed(Node const* x) { return x != nullptr && x->m_color == e_red; }
 
-// Nodes still to be visited, the last added one first, behind a short queue of those that have been
-// asked for from memory.
+// Nodes still to be visited, each asked for from memory when it is added. They come out level by
+// level in batches of neighbours: late enough to have arrived, and with few other nodes between
+// those that lie together, so that a heap that reuses blocks in this order keeps trees together.
 class PendingNodes {
 public:
-  // False when there is no room.
-  bool Add(Node* x) {
-    if (m_added == sizeof m_stack / sizeof m_stack[0]) return false;
-    m_stack[m_added++] = x;
-    return true;
+  bool HasRoom() const { return m_stacked + 2 <= sizeof m_stack / sizeof m_stack[0]; }
+
+  // Null is left out, without a jump: half of all children are null, in no order.
+  void Add(Node* x) {
+    __builtin_prefetch(x);
+    if (m_batched != batchSize) {
+      m_batch[m_batched] = x;
+      m_batched += x != nullptr;
+    } else {
+      m_stack[m_stacked] = x;
+      m_stacked += x != nullptr;
+    }
   }
 
   // Null when there is none.
   Node* Next() {
-    for (; m_asked - m_visited != queueLength && m_added != 0; ++m_asked) {
-      Node* const x = m_stack[--m_added];
-      __builtin_prefetch(x);
-      m_queue[m_asked % queueLength] = x;
+    if (m_visited == m_batched) {
+      if (m_stacked == 0) return nullptr;
+      m_batch[0] = m_stack[--m_stacked];
+      m_visited = 0;
+      m_batched = 1;
     }
-    return m_visited == m_asked ? nullptr : m_queue[m_visited++ % queueLength];
+    return m_batch[m_visited++];
   }
 
 private:
-  static constexpr unsigned int queueLength = 8;
-  Node* m_queue[queueLength];
-  Node* m_stack[512]; // more than balanced trees need
-  unsigned int m_added = 0, m_asked = 0, m_visited = 0;
+  static constexpr unsigned int batchSize = 128;
+  Node* m_batch[batchSize];
+  Node* m_stack[1024]; // more than balanced trees need
+  unsigned int m_visited = 0, m_batched = 0, m_stacked = 0;
 };
 
 } // namespace
@@ -310,8 +319,13 @@ void HYLBasTreeGeneric<A>::ReleaseNodes(Node* root) {
     PendingNodes pending;
     pending.Add(root);
     while (Node* const x = pending.Next()) {
-      for (Node* const child : {x->m_left, x->m_right})
-        if (child != nullptr && !pending.Add(child)) ReleaseNodes(child);
+      if (pending.HasRoom()) {
+        pending.Add(x->m_left);
+        pending.Add(x->m_right);
+      } else {
+        ReleaseNodes(x->m_left);
+        ReleaseNodes(x->m_right);
+      }
       DeallocateNode(x);
     }
   }
@@ -479,21 +493,14 @@ void HYLBasTreeGeneric<A>::CopyChildren(Node* x, Node* copy) {
   constexpr int room = 64;
   Pending pending[room];
   for (int count = 0;;) {
-    if (x->m_left != nullptr) {
-      if (count == room) {
-        if (x->m_right != nullptr) {
-          copy->m_right = CloneBelow(x->m_right, copy);
-          CopyChildren(x->m_right, copy->m_right);
-        }
-        copy->m_left = CloneBelow(x->m_left, copy);
-        x = x->m_left;
-        copy = copy->m_left;
-        continue;
-      }
-      __builtin_prefetch(x->m_left);
-      pending[count++] = {x->m_left, copy};
+    if (count == room - 1 && x->m_right != nullptr) {
+      copy->m_right = CloneBelow(x->m_right, copy);
+      CopyChildren(x->m_right, copy->m_right);
     }
-    if (x->m_right != nullptr) {
+    __builtin_prefetch(x->m_left);
+    pending[count] = {x->m_left, copy};
+    count += x->m_left != nullptr;
+    if (x->m_right != nullptr && copy->m_right == nullptr) {
       copy->m_right = CloneBelow(x->m_right, copy);
       x = x->m_right;
       copy = copy->m_right;

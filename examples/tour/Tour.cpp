@@ -25,6 +25,7 @@ struct Section {
 
 constexpr Section sections[] = {
     {"The flow", ReportFlow},
+    {"How often which flow, in a map", ReportMap},
     {"Decades by years", ReportDecades},
     {"There and back as a text file", ReportTextFile},
 };

@@ -10,6 +10,9 @@
 /// Typed vectors: mean, extremes with their years, and a bar chart of decades.
 bool ReportFlow(Series const& series);
 
+/// Typed maps: a histogram that comes out in order, and two ways to insert a key that is there.
+bool ReportMap(Series const& series);
+
 /// Two-dimensional arrays over the vector's own block, in both storage orders: means and norms of
 /// decades, and the extraction of chosen ones.
 bool ReportDecades(Series const& series);
