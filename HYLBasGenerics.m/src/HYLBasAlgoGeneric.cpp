@@ -24,7 +24,7 @@ void HYLBasSortSpecial(long long* begin, long long* end) { sortInt64_1(begin, en
 
 template <>
 void SGIsort<Pair*>(Pair* first, Pair* last) {
-  hylbas_detail::SortPairs(first, last);
+  SortEngine<Pair>::Sort(first, last);
 }
 
 void HYLBasSortSpecial(Pair* begin, Pair* end) { SGIsort<Pair*>(begin, end); }

@@ -105,8 +105,11 @@ struct IntrosortSteps {
   }
 
   static void UnguardedLinearInsert(Element* last, Element value, Before before) {
-    for (; before(value, last[-1]); --last)
-      *last = last[-1];
+    while (true) {
+      Element const below = last[-1];
+      if (!before(value, below)) break;
+      *last-- = below;
+    }
     *last = value;
   }
   /// @}

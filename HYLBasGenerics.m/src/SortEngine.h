@@ -30,19 +30,30 @@ struct SortKey {
   static Element ElementOf(Type key) { return key; }
 };
 
-/// Pairs are sorted while their bytes hold one number each, of the same order: see `SortPairs`.
+/// Pairs by one number: `first` in the upper half, and `second` with its sign flipped, so that the
+/// unsigned order of the lower half is the signed one.
 template <>
 struct SortKey<HYLBasPair<int, int>> {
   using Type = long long;
-  static Type Of(HYLBasPair<int, int> const& packed) { return std::bit_cast<Type>(packed); }
-  static HYLBasPair<int, int> ElementOf(Type key) {
-    return std::bit_cast<HYLBasPair<int, int>>(key);
+  using Pair = HYLBasPair<int, int>;
+  static Type Of(Pair const& pair) {
+    return static_cast<Type>(Turned(std::bit_cast<unsigned long long>(pair)) ^ sign);
+  }
+  static Pair ElementOf(Type key) {
+    return std::bit_cast<Pair>(Turned(static_cast<unsigned long long>(key) ^ sign));
+  }
+
+private:
+  static constexpr unsigned long long sign = 0x80000000u;
+  static unsigned long long Turned(unsigned long long bits) {
+    return std::endian::native == std::endian::little ? std::rotl(bits, 32) : bits;
   }
 };
 
 template <class Element>
 class SortEngine {
   using Key = SortKey<Element>;
+  using KeyType = typename Key::Type;
   struct KeysAscending {
     bool operator()(Element const& a, Element const& b) const { return Key::Of(a) < Key::Of(b); }
   };
@@ -52,33 +63,25 @@ public:
   static constexpr std::ptrdiff_t longestLeaf = 32; // longer ranges are partitioned
 
   static void Sort(Element* first, Element* last) {
-    if (last - first > longestLeaf &&
-        FinishRun(first, last, [](auto const& e) { return Key::Of(e); }))
-      return;
+    if (last - first > longestLeaf) {
+      if (IsRun(first, last, [](auto const& a, auto const& b) { return !(b < a); })) return;
+      if (IsRun(first, last, [](auto const& a, auto const& b) { return !(a < b); }))
+        return std::reverse(first, last);
+    }
     SortUnordered(first, last);
   }
 
-  /// Where the range is in order or in reverse order: sorts it and returns true.
-  template <class KeyOf>
-  static bool FinishRun(Element* first, Element* last, KeyOf keyOf) {
-    auto const ascends = [](auto const& a, auto const& b) { return !(b < a); };
-    auto const descends = [](auto const& a, auto const& b) { return !(a < b); };
-    if (IsRun(first, last, keyOf, ascends)) return true;
-    if (!IsRun(first, last, keyOf, descends)) return false;
-    std::reverse(first, last);
-    return true;
-  }
-
+  /// The same without a look whether the array is in order, or in reverse order, already.
   static void SortUnordered(Element* first, Element* last) {
     Quicksort(first, last, 2 * Steps::FloorLog2(last - first), true);
   }
 
 private:
-  template <class KeyOf, class InOrder>
-  static bool IsRun(Element const* first, Element const* last, KeyOf keyOf, InOrder inOrder) {
-    auto previous = keyOf(*first);
+  template <class InOrder>
+  static bool IsRun(Element const* first, Element const* last, InOrder inOrder) {
+    auto previous = Key::Of(*first);
     while (++first != last) {
-      auto const key = keyOf(*first);
+      auto const key = Key::Of(*first);
       if (!inOrder(previous, key)) return false;
       previous = key;
     }
@@ -137,15 +140,19 @@ private:
   }
 
   static void MedianToMiddle(Element& a, Element& b, Element& c) {
-    PutInOrder(a, b);
-    PutInOrder(b, c);
-    PutInOrder(a, b);
+    auto x = Key::Of(a), y = Key::Of(b), z = Key::Of(c);
+    PutInOrder(x, y);
+    PutInOrder(y, z);
+    PutInOrder(x, y);
+    a = Key::ElementOf(x);
+    b = Key::ElementOf(y);
+    c = Key::ElementOf(z);
   }
 
-  [[gnu::always_inline]] static inline void PutInOrder(Element& a, Element& b) {
-    auto const x = Key::Of(a), y = Key::Of(b);
-    a = Key::ElementOf(y < x ? y : x);
-    b = Key::ElementOf(y < x ? x : y);
+  [[gnu::always_inline]] static inline void PutInOrder(KeyType& a, KeyType& b) {
+    KeyType const x = a, y = b;
+    a = y < x ? y : x;
+    b = y < x ? x : y;
   }
 
   // Of up to `longestLeaf` elements: two halves, merged.
@@ -204,10 +211,17 @@ private:
   template <std::size_t n>
   [[gnu::noinline]] static void RunNetwork(Element* first) {
     static constexpr Network network = NetworkFor(n);
-    [first]<std::size_t... i>(std::index_sequence<i...>) {
-      (PutInOrder(first[network.exchanges[i].low], first[network.exchanges[i].high]), ...);
+    KeyType keys[n];
+    [&]<std::size_t... i>(std::index_sequence<i...>) { ((keys[i] = Key::Of(first[i])), ...); }
+    (std::make_index_sequence<n>());
+    [&]<std::size_t... i>(std::index_sequence<i...>) {
+      (PutInOrder(keys[network.exchanges[i].low], keys[network.exchanges[i].high]), ...);
     }
     (std::make_index_sequence<network.size>());
+    [&]<std::size_t... i>(std::index_sequence<i...>) {
+      ((first[i] = Key::ElementOf(keys[i])), ...);
+    }
+    (std::make_index_sequence<n>());
   }
 
   [[gnu::noinline]] static void SortByNetwork(Element* first, std::ptrdiff_t n) {
@@ -247,25 +261,5 @@ private:
     }
   }
 };
-
-/// Sorts by `first`, then by `second`.
-inline void SortPairs(HYLBasPair<int, int>* first, HYLBasPair<int, int>* last) {
-  using Pair = HYLBasPair<int, int>;
-  using Engine = SortEngine<Pair>;
-  // Flipping the sign of the lower half makes its unsigned order the signed one.
-  constexpr unsigned int sign = 0x80000000u;
-  auto const pack = [](Pair const& pair) {
-    return static_cast<long long>(pair.first) * 0x100000000ll +
-           (static_cast<unsigned int>(pair.second) ^ sign);
-  };
-  if (last - first > Engine::longestLeaf && Engine::FinishRun(first, last, pack)) return;
-  for (Pair* p = first; p < last; ++p)
-    *p = SortKey<Pair>::ElementOf(pack(*p));
-  Engine::SortUnordered(first, last);
-  for (Pair* p = first; p < last; ++p) {
-    auto const key = static_cast<unsigned long long>(SortKey<Pair>::Of(*p));
-    *p = Pair(static_cast<int>(key >> 32), static_cast<int>(static_cast<unsigned int>(key) ^ sign));
-  }
-}
 
 } // namespace hylbas_detail
