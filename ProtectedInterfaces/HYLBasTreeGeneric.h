@@ -43,6 +43,11 @@
 #include "HYLBasTreeNodeGeneric.h"
 #include "TARNHYLBasAlloc.h"
 
+namespace hylbas_detail {
+template <class A>
+class TreeAlgorithms;
+} // namespace hylbas_detail
+
 template <class A>
 class HYLBASGENERICS_EXPORT HYLBasTreeGeneric {
   using Node = HYLBasTreeNodeGeneric;
@@ -192,24 +197,7 @@ public:
   /// @}
 
 private:
-  template <class Operation>
-  HYLBASGENERICS_LOCAL auto InOrder(Operation operation) const;
-  template <class Order>
-  HYLBASGENERICS_LOCAL HYLBasPairIterBoolGeneric InsertUnique(void const* value, Order order);
-  template <class Order>
-  HYLBASGENERICS_LOCAL HYLBasPairIterBoolGeneric InsertUniqueUnobserved(void const* value,
-                                                                        Order order);
-  template <class Order>
-  HYLBASGENERICS_LOCAL Node* InsertEqual(void const* value, Order order);
-  template <class Order>
-  HYLBASGENERICS_LOCAL Node* InsertAsChild(Node* x, Node* y, void const* value, Order order);
-  template <class Order>
-  HYLBASGENERICS_LOCAL Node* InsertBetween(Node* before, Node* position, void const* value,
-                                           Order order);
-  HYLBASGENERICS_LOCAL Node* Link(bool isLeft, Node* y, void const* value);
-  HYLBASGENERICS_LOCAL void ReleaseNodes(Node* root);
-  HYLBASGENERICS_LOCAL Node* CloneBelow(Node* x, Node* parent);
-  HYLBASGENERICS_LOCAL void CopyChildren(Node* x, Node* copy);
+  friend class hylbas_detail::TreeAlgorithms<A>;
 
   A m_allocator;
   unsigned int m_nodeCount;

@@ -12,6 +12,14 @@
 #include "HYLBasTreeIteratorGeneric.h"
 #include "HYLBasTreeNodeGeneric.h"
 
+namespace hylbas_detail {
+/// Stands for an iterator where there is none.
+struct NoIterator {
+  NoIterator() = delete;
+  HYLBasTreeNodeGeneric* m_node;
+};
+} // namespace hylbas_detail
+
 /// A position in an ordered map: `T` is the element type, `Reference` and `Pointer` are how it is
 /// handed out. Holds nothing but its node; the end position is the tree's header. An iterator stays
 /// valid until its own element is erased; stepping and access cost what they cost on
@@ -22,8 +30,11 @@
 template <class T, class Reference, class Pointer>
 class HYLBASGENERICS_EXPORT HYLBasTreeIterator {
   using IsModifying = std::is_same<Pointer, T*>;
-  using Modifying = HYLBasTreeIterator<T, T&, T*>;
-  using Reading = HYLBasTreeIterator<T, T const&, T const*>;
+  // What converts to this kind, and what only this kind has to be compared with.
+  using Modifying = std::conditional_t<IsModifying::value, hylbas_detail::NoIterator,
+                                       HYLBasTreeIterator<T, T&, T*>>;
+  using Reading = std::conditional_t<IsModifying::value, HYLBasTreeIterator<T, T const&, T const*>,
+                                     hylbas_detail::NoIterator>;
 
 public:
   using iterator_category = std::forward_iterator_tag;
@@ -36,7 +47,7 @@ public:
   HYLBasTreeIterator(HYLBasTreeNodeGeneric* node) : m_node(node) {}
   HYLBasTreeIterator(HYLBasTreeIteratorGeneric const& position) : m_node(position.m_node) {}
   HYLBasTreeIterator(HYLBasTreeIterator const& other) : m_node(other.m_node) {}
-  HYLBasTreeIterator(Modifying const& other) requires(!IsModifying::value) : m_node(other.m_node) {}
+  HYLBasTreeIterator(Modifying const& other) : m_node(other.m_node) {}
   HYLBasTreeIterator& operator=(HYLBasTreeIterator const& other) = default;
 
   /// \name Whether both are the same position
@@ -45,12 +56,8 @@ public:
   bool operator!=(HYLBasTreeIterator const& other) const {
     return Generic().NotEqual(other.m_node);
   }
-  bool operator==(Reading const& other) const requires IsModifying::value {
-    return Generic().Equal(other.m_node);
-  }
-  bool operator!=(Reading const& other) const requires IsModifying::value {
-    return Generic().NotEqual(other.m_node);
-  }
+  bool operator==(Reading const& other) const { return Generic().Equal(other.m_node); }
+  bool operator!=(Reading const& other) const { return Generic().NotEqual(other.m_node); }
   /// @}
 
   /// The element; not defined at the end position.

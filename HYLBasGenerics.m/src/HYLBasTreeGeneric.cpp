@@ -1,77 +1,22 @@
 #include "HYLBasTreeGeneric.h"
 
-#include <cstddef>
-
 #include "HYLBasSwap.h"
 #include "HYLBasTreeIteratorGeneric.h"
 #include "NodeMemory.h"
 #include "PlainData.h"
+#include "TreeAlgorithms.h"
 
 using hylbas_detail::CalledOrder;
-using hylbas_detail::InlinedOrder;
 using hylbas_detail::NodeMemory;
+using hylbas_detail::Predecessor;
+using hylbas_detail::Successor;
+using hylbas_detail::TreeAlgorithms;
 
 namespace {
 
 using Node = HYLBasTreeNodeGeneric;
 
-Node* Successor(Node* x) {
-  HYLBasTreeIteratorGeneric position(x);
-  position.Next();
-  return position.m_node;
-}
-
-Node* Predecessor(Node* x) {
-  HYLBasTreeIteratorGeneric position(x);
-  position.Previous();
-  return position.m_node;
-}
-
-// By its address, because the side of a new node cannot be predicted.
-Node*& ChildField(Node* x, bool isLeft) {
-  static_assert(offsetof(Node, m_right) == offsetof(Node, m_left) + sizeof(Node*));
-  char* const left = reinterpret_cast<char*>(x) + offsetof(Node, m_left);
-  return *reinterpret_cast<Node**>(left + !isLeft * sizeof(Node*));
-}
-
 bool IsRed(Node const* x) { return x != nullptr && x->m_color == e_red; }
-
-// Nodes still to be visited, each asked for from memory when it is added. They come out level by
-// level in batches of neighbours: late enough to have arrived, and with few other nodes between
-// those that lie together, so that a heap that reuses blocks in this order keeps trees together.
-class PendingNodes {
-public:
-  bool HasRoom() const { return m_stacked + 2 <= sizeof m_stack / sizeof m_stack[0]; }
-
-  // Null is left out, without a jump: half of all children are null, in no order.
-  void Add(Node* x) {
-    __builtin_prefetch(x);
-    if (m_batched != batchSize) {
-      m_batch[m_batched] = x;
-      m_batched += x != nullptr;
-    } else {
-      m_stack[m_stacked] = x;
-      m_stacked += x != nullptr;
-    }
-  }
-
-  // Null when there is none.
-  Node* Next() {
-    if (m_visited == m_batched) {
-      if (m_stacked == 0) return nullptr;
-      m_batch[0] = m_stack[--m_stacked];
-      m_visited = 0;
-      m_batched = 1;
-    }
-    return m_batch[m_visited++];
-  }
-
-private:
-  static constexpr unsigned int batchSize = 128;
-  Node* m_batch[batchSize];
-  Node* m_stack[1024]; // more than balanced trees need
-  unsigned int m_visited = 0, m_batched = 0, m_stacked = 0;
-};
 
 } // namespace
 
@@ -122,32 +67,23 @@ void HYLBasTreeGeneric<A>::Swap(HYLBasTreeGeneric* other) {
 
 // --- Lookup
 
-// Carries out an operation that compares, with the comparisons inlined where the comparator is the
-// library's own.
-template <class A>
-template <class Operation>
-auto HYLBasTreeGeneric<A>::InOrder(Operation operation) const {
-  return m_compare == HYLBasStandardComparitor<int> ? operation(InlinedOrder<int>())
-                                                    : operation(CalledOrder{m_compare, m_context});
-}
-
 template <class A>
 Node* HYLBasTreeGeneric<A>::Find(void const* key) const {
-  return InOrder([&](auto order) {
+  return TreeAlgorithms<A>::InOrder(*this, [&](auto order) {
     return hylbas_detail::Find(m_header, m_offsets.m_valueOffset, key, order);
   });
 }
 
 template <class A>
 Node* HYLBasTreeGeneric<A>::LowerBound(void const* key) const {
-  return InOrder([&](auto order) {
+  return TreeAlgorithms<A>::InOrder(*this, [&](auto order) {
     return hylbas_detail::LowerBound(m_header, m_offsets.m_valueOffset, key, order);
   });
 }
 
 template <class A>
 Node* HYLBasTreeGeneric<A>::UpperBound(void const* key) const {
-  return InOrder([&](auto order) {
+  return TreeAlgorithms<A>::InOrder(*this, [&](auto order) {
     return hylbas_detail::UpperBound(m_header, m_offsets.m_valueOffset, key, order);
   });
 }
@@ -156,125 +92,55 @@ Node* HYLBasTreeGeneric<A>::UpperBound(void const* key) const {
 
 template <class A>
 HYLBasPairIterBoolGeneric HYLBasTreeGeneric<A>::InsertUnique(void const* value) {
-  return InOrder([&](auto order) { return InsertUnique(value, order); });
-}
-
-template <class A>
-template <class Order>
-HYLBasPairIterBoolGeneric HYLBasTreeGeneric<A>::InsertUnique(void const* value, Order order) {
-  if constexpr (!Order::isObservable) return InsertUniqueUnobserved(value, order);
-  Node* y = m_header;
-  bool before = true;
-  for (Node* x = Root(); x != nullptr; x = before ? x->m_left : x->m_right) {
-    y = x;
-    before = order(value, Value(x));
-  }
-  Node* j = y;
-  if (before) {
-    if (j == Leftmost()) return {InsertAsChild(nullptr, y, value, order), true};
-    j = Predecessor(j);
-  }
-  if (order(Value(j), value)) return {InsertAsChild(nullptr, y, value, order), true};
-  return {j, false};
-}
-
-// The same with other comparisons: a value after all others needs only one, as in ascending
-// insertion, and no walk to the predecessor: that is the node where the descent last went right.
-template <class A>
-template <class Order>
-HYLBasPairIterBoolGeneric HYLBasTreeGeneric<A>::InsertUniqueUnobserved(void const* value,
-                                                                       Order order) {
-  if (m_nodeCount != 0 && order(Value(Rightmost()), value))
-    return {Link(false, Rightmost(), value), true};
-  auto const [y, j] = hylbas_detail::FindLeaf(m_header, m_offsets.m_valueOffset, value, order);
-  if (j != nullptr && !order(Value(j), value)) return {j, false};
-  return {Link(y != j, y, value), true};
+  return TreeAlgorithms<A>::InOrder(
+      *this, [&](auto order) { return TreeAlgorithms<A>::InsertUnique(*this, value, order); });
 }
 
 template <class A>
 Node* HYLBasTreeGeneric<A>::InsertEqual(void const* value) {
-  return InOrder([&](auto order) { return InsertEqual(value, order); });
-}
-
-template <class A>
-template <class Order>
-Node* HYLBasTreeGeneric<A>::InsertEqual(void const* value, Order order) {
-  Node* const y = hylbas_detail::FindLeaf(m_header, m_offsets.m_valueOffset, value, order).parent;
-  return InsertAsChild(nullptr, y, value, order);
+  return TreeAlgorithms<A>::InOrder(
+      *this, [&](auto order) { return TreeAlgorithms<A>::InsertEqual(*this, value, order); });
 }
 
 template <class A>
 Node* HYLBasTreeGeneric<A>::InsertUniqueAtPosition(Node* position, void const* value) {
-  return InOrder([&](auto order) {
+  return TreeAlgorithms<A>::InOrder(*this, [&](auto order) {
     if (position == Leftmost()) {
-      if (m_nodeCount != 0 && order(value, Value(position))) return Link(true, position, value);
+      if (m_nodeCount != 0 && order(value, Value(position)))
+        return TreeAlgorithms<A>::Link(*this, true, position, value);
     } else if (position == m_header) {
       if (order(Value(Rightmost()), value))
-        return InsertAsChild(nullptr, Rightmost(), value, order);
+        return TreeAlgorithms<A>::InsertAsChild(*this, nullptr, Rightmost(), value, order);
     } else {
       Node* const before = Predecessor(position);
       if (order(Value(before), value) && order(value, Value(position)))
-        return InsertBetween(before, position, value, order);
+        return TreeAlgorithms<A>::InsertBetween(*this, before, position, value, order);
     }
-    return InsertUnique(value, order).first;
+    return TreeAlgorithms<A>::InsertUnique(*this, value, order).first;
   });
 }
 
 template <class A>
 Node* HYLBasTreeGeneric<A>::InsertEqualAtPosition(Node* position, void const* value) {
-  return InOrder([&](auto order) {
+  return TreeAlgorithms<A>::InOrder(*this, [&](auto order) {
     if (position == Leftmost()) {
-      if (m_nodeCount != 0 && !order(Value(position), value)) return Link(true, position, value);
+      if (m_nodeCount != 0 && !order(Value(position), value))
+        return TreeAlgorithms<A>::Link(*this, true, position, value);
     } else if (position == m_header) {
       if (!order(value, Value(Rightmost())))
-        return InsertAsChild(nullptr, Rightmost(), value, order);
+        return TreeAlgorithms<A>::InsertAsChild(*this, nullptr, Rightmost(), value, order);
     } else {
       Node* const before = Predecessor(position);
       if (!order(value, Value(before)) && !order(Value(position), value))
-        return InsertBetween(before, position, value, order);
+        return TreeAlgorithms<A>::InsertBetween(*this, before, position, value, order);
     }
-    return InsertEqual(value, order);
+    return TreeAlgorithms<A>::InsertEqual(*this, value, order);
   });
-}
-
-// Of two neighbours in order, exactly one has no child on the side of the other.
-template <class A>
-template <class Order>
-Node* HYLBasTreeGeneric<A>::InsertBetween(Node* before, Node* position, void const* value,
-                                          Order order) {
-  return before->m_right == nullptr ? InsertAsChild(nullptr, before, value, order)
-                                    : InsertAsChild(position, position, value, order);
 }
 
 template <class A>
 Node* HYLBasTreeGeneric<A>::TreeNodeInsert(Node* x, Node* y, void const* value) {
-  return InsertAsChild(x, y, value, CalledOrder{m_compare, m_context});
-}
-
-template <class A>
-template <class Order>
-Node* HYLBasTreeGeneric<A>::InsertAsChild(Node* x, Node* y, void const* value, Order order) {
-  return Link(y == m_header || x != nullptr || order(value, Value(y)), y, value);
-}
-
-template <class A>
-Node* HYLBasTreeGeneric<A>::Link(bool isLeft, Node* y, void const* value) {
-  Node* const node = CreateNode(value);
-  ChildField(y, isLeft) = node; // the header's left is the leftmost node
-  if (y == m_header) {
-    Root() = node;
-    Rightmost() = node;
-  } else if (y == Leftmost() && isLeft) {
-    Leftmost() = node;
-  } else if (y == Rightmost() && !isLeft) {
-    Rightmost() = node;
-  }
-  node->m_parent = y;
-  node->m_left = nullptr;
-  node->m_right = nullptr;
-  HYLBasTreeRebalance(node, Root());
-  ++m_nodeCount;
-  return node;
+  return TreeAlgorithms<A>::InsertAsChild(*this, x, y, value, CalledOrder{m_compare, m_context});
 }
 
 // --- Removal
@@ -303,32 +169,12 @@ template <class A>
 void HYLBasTreeGeneric<A>::Clear() {
   if (m_nodeCount == 0) return;
   if (hylbas_detail::DestroysNothing(m_replicator)) {
-    ReleaseNodes(Root());
+    TreeAlgorithms<A>::ReleaseNodes(*this, Root());
   } else {
     TreeNodeErase(Root());
   }
   TreeInitialize();
   m_nodeCount = 0;
-}
-
-// What TreeNodeErase does where values need no destruction: nobody can tell the order, so that the
-// next nodes can be on their way from memory while one is released.
-template <class A>
-void HYLBasTreeGeneric<A>::ReleaseNodes(Node* root) {
-  if constexpr (NodeMemory<A>::releasesNodes) {
-    PendingNodes pending;
-    pending.Add(root);
-    while (Node* const x = pending.Next()) {
-      if (pending.HasRoom()) {
-        pending.Add(x->m_left);
-        pending.Add(x->m_right);
-      } else {
-        ReleaseNodes(x->m_left);
-        ReleaseNodes(x->m_right);
-      }
-      DeallocateNode(x);
-    }
-  }
 }
 
 // A destroyed node's left subtree takes its place. So everything that is still to be destroyed
@@ -467,52 +313,12 @@ Node* HYLBasTreeGeneric<A>::TreeCopy(Node* x, Node* p) {
   Node* const top = CloneNode(x);
   top->m_parent = p;
   try {
-    CopyChildren(x, top);
+    TreeAlgorithms<A>::CopyChildren(*this, x, top);
   } catch (...) {
     TreeNodeErase(top);
     throw;
   }
   return top;
-}
-
-template <class A>
-Node* HYLBasTreeGeneric<A>::CloneBelow(Node* x, Node* parent) {
-  Node* const clone = CloneNode(x);
-  clone->m_parent = parent;
-  return clone;
-}
-
-// Of the nodes on the way right, the left subtrees are still to be copied, the last one first. More
-// of them than balanced trees have are left to another call.
-template <class A>
-void HYLBasTreeGeneric<A>::CopyChildren(Node* x, Node* copy) {
-  struct Pending {
-    Node* left;
-    Node* copy;
-  };
-  constexpr int room = 64;
-  Pending pending[room];
-  for (int count = 0;;) {
-    if (count == room - 1 && x->m_right != nullptr) {
-      copy->m_right = CloneBelow(x->m_right, copy);
-      CopyChildren(x->m_right, copy->m_right);
-    }
-    __builtin_prefetch(x->m_left);
-    pending[count] = {x->m_left, copy};
-    count += x->m_left != nullptr;
-    if (x->m_right != nullptr && copy->m_right == nullptr) {
-      copy->m_right = CloneBelow(x->m_right, copy);
-      x = x->m_right;
-      copy = copy->m_right;
-    } else if (count != 0) {
-      Pending const next = pending[--count];
-      next.copy->m_left = CloneBelow(next.left, next.copy);
-      x = next.left;
-      copy = next.copy->m_left;
-    } else {
-      return;
-    }
-  }
 }
 
 template class HYLBasTreeGeneric<HYLBasMemTruePool>;
