@@ -26,6 +26,7 @@ struct Section {
 constexpr Section sections[] = {
     {"The flow", ReportFlow},
     {"How often which flow, in a map", ReportMap},
+    {"Driest and wettest, sorted", ReportSorts},
     {"Decades by years", ReportDecades},
     {"There and back as a text file", ReportTextFile},
 };

@@ -13,6 +13,10 @@ bool ReportFlow(Series const& series);
 /// Typed maps: a histogram that comes out in order, and two ways to insert a key that is there.
 bool ReportMap(Series const& series);
 
+/// Sorts: the driest and wettest years by an index sort, and flows sorted together with their
+/// years.
+bool ReportSorts(Series const& series);
+
 /// Two-dimensional arrays over the vector's own block, in both storage orders: means and norms of
 /// decades, and the extraction of chosen ones.
 bool ReportDecades(Series const& series);
