@@ -15,6 +15,7 @@
 #include <array>
 #include <bit>
 #include <cstddef>
+#include <type_traits>
 #include <utility>
 
 #include "HYLBasPair.h"
@@ -165,21 +166,21 @@ private:
 
   // From both ends at once: either way takes half of the elements, so that neither leaves a half.
   static void MergeHalves(Element* first, std::ptrdiff_t n) {
-    Element merged[longestLeaf];
+    KeyType merged[longestLeaf];
     Element const *left = first, *right = first + n / 2;
     Element const *leftEnd = right, *rightEnd = first + n;
     for (std::ptrdiff_t i = 0; i != n / 2; ++i) {
       bool const takesRight = Key::Of(*right) < Key::Of(*left);
-      merged[i] = *(takesRight ? right : left);
+      merged[i] = Key::Of(*(takesRight ? right : left));
       right += takesRight;
       left += !takesRight;
       bool const takesLeft = Key::Of(rightEnd[-1]) < Key::Of(leftEnd[-1]);
-      merged[n - 1 - i] = (takesLeft ? leftEnd : rightEnd)[-1];
+      merged[n - 1 - i] = Key::Of((takesLeft ? leftEnd : rightEnd)[-1]);
       leftEnd -= takesLeft;
       rightEnd -= !takesLeft;
     }
-    if (n % 2 != 0) merged[n / 2] = *(left < leftEnd ? left : right);
-    std::copy(merged, merged + n, first);
+    if (n % 2 != 0) merged[n / 2] = Key::Of(*(left < leftEnd ? left : right));
+    std::transform(merged, merged + n, first, Key::ElementOf);
   }
 
   static constexpr std::ptrdiff_t longestNetwork = 16;
@@ -212,53 +213,29 @@ private:
   [[gnu::noinline]] static void RunNetwork(Element* first) {
     static constexpr Network network = NetworkFor(n);
     KeyType keys[n];
-    [&]<std::size_t... i>(std::index_sequence<i...>) { ((keys[i] = Key::Of(first[i])), ...); }
-    (std::make_index_sequence<n>());
+    Unrolled<n>([&](auto i) { keys[i] = Key::Of(first[i]); });
+    Unrolled<network.size>([&](auto i) {
+      PutInOrder(keys[network.exchanges[i].low], keys[network.exchanges[i].high]);
+    });
+    Unrolled<n>([&](auto i) { first[i] = Key::ElementOf(keys[i]); });
+  }
+
+  // Calls the function with the constants below `n`, which keeps what it indexes in registers.
+  template <std::size_t n, class Function>
+  [[gnu::always_inline]] static inline void Unrolled(Function function) {
     [&]<std::size_t... i>(std::index_sequence<i...>) {
-      (PutInOrder(keys[network.exchanges[i].low], keys[network.exchanges[i].high]), ...);
-    }
-    (std::make_index_sequence<network.size>());
-    [&]<std::size_t... i>(std::index_sequence<i...>) {
-      ((first[i] = Key::ElementOf(keys[i])), ...);
+      (function(std::integral_constant<std::size_t, i>()), ...);
     }
     (std::make_index_sequence<n>());
   }
 
-  [[gnu::noinline]] static void SortByNetwork(Element* first, std::ptrdiff_t n) {
-    switch (n) {
-    case 2:
-      return RunNetwork<2>(first);
-    case 3:
-      return RunNetwork<3>(first);
-    case 4:
-      return RunNetwork<4>(first);
-    case 5:
-      return RunNetwork<5>(first);
-    case 6:
-      return RunNetwork<6>(first);
-    case 7:
-      return RunNetwork<7>(first);
-    case 8:
-      return RunNetwork<8>(first);
-    case 9:
-      return RunNetwork<9>(first);
-    case 10:
-      return RunNetwork<10>(first);
-    case 11:
-      return RunNetwork<11>(first);
-    case 12:
-      return RunNetwork<12>(first);
-    case 13:
-      return RunNetwork<13>(first);
-    case 14:
-      return RunNetwork<14>(first);
-    case 15:
-      return RunNetwork<15>(first);
-    case 16:
-      return RunNetwork<16>(first);
-    default:
-      return;
+  // Of up to `longestNetwork` elements.
+  static void SortByNetwork(Element* first, std::ptrdiff_t n) {
+    static constexpr auto fromTwoOn = []<std::size_t... i>(std::index_sequence<i...>) {
+      return std::array{RunNetwork<i + 2>...};
     }
+    (std::make_index_sequence<longestNetwork - 1>());
+    if (n >= 2) fromTwoOn[static_cast<std::size_t>(n) - 2](first);
   }
 };
 
