@@ -63,7 +63,8 @@ void StepToLeaf(HYLBasTreeNodeGeneric*& x, HYLBasTreeNodeGeneric*& bound, int va
   x = goesLeft ? x->m_left : x->m_right;
 }
 
-#if defined(__GNUC__) && (defined(__x86_64__) || defined(__i386__))
+#if defined(__GNUC__) && (defined(__x86_64__) || defined(__i386__)) &&                             \
+    !defined(__SANITIZE_ADDRESS__) // which does not see what the instructions read
 // Which way a descent goes cannot be predicted, and a mispredicted jump costs more than all the
 // rest of a step. No way of writing the choices keeps g++ from making jumps of them in one place or
 // another, so these are the conditional moves themselves.

@@ -9,12 +9,10 @@
 ///
 /// The allocator policy `A` says where nodes come from:
 ///
-/// | `A` | nodes and header come from | erased nodes |
-/// |---|---|---|
-/// | `HYLBasNodeAllocator` | the memory library's general heap | go back there |
-/// | `HYLBasNodeTrackingAllocator` | the process-wide map pool, which keeps statistics | go back
-/// there | | `HYLBasMemTruePool` | the tree's own region pool | keep their bytes until the tree is
-/// destroyed |
+/// - `HYLBasNodeAllocator`: the memory library's general heap.
+/// - `HYLBasNodeTrackingAllocator`: the process-wide map pool, which keeps statistics.
+/// - `HYLBasMemTruePool`: the tree's own region pool. Erased nodes keep their bytes until the tree
+///   is destroyed.
 ///
 /// Rules that hold throughout:
 /// - The key leads the value: the comparator is given the address of a value where a stored one or
@@ -190,7 +188,7 @@ public:
   /// header, when `x` is not null, or when the value is before `y`'s; the right child otherwise.
   Node* TreeNodeInsert(Node* x, Node* y, void const* value);
   /// Destroys all nodes of the subtree rooted at `x`, which may be null, from the last to the
-  /// first. Header and size are not touched; uses no stack.
+  /// first. Header and size are not touched. Recursion as deep as there are steps to the right.
   void TreeNodeErase(Node* x);
   /// Copies the subtree rooted at `x`, which must not be null, below `p`; returns the copy's root.
   Node* TreeCopy(Node* x, Node* p);

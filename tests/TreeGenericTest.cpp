@@ -570,4 +570,43 @@ static_assert(sizeof(void*) != 8 || sizeof(HYLBasTreeGeneric<HYLBasNodeAllocator
 static_assert(sizeof(HYLBasNodeOffsets) == 8);
 static_assert(sizeof(HYLBasTreeIteratorGeneric) == sizeof(void*));
 
+bool IsBeforeBySign(void const* a, void const* b, void const* signOfOrder) {
+  int const sign = *static_cast<int const*>(signOfOrder);
+  return sign * *static_cast<int const*>(a) < sign * *static_cast<int const*>(b);
+}
+
+// Two trees of opposite orders: each order goes with its values, and the described tree computes.
+template <class A>
+void ExchangesOrders() {
+  int const up = 1, down = -1;
+  int const node = static_cast<int>(sizeof(HYLBasTreeNodeGeneric));
+  HYLBasNodeOffsets const layout(node, node + static_cast<int>(sizeof(int)));
+  HYLBasTreeGeneric<A> a(layout, HYLBasGetReplicator<int>(), IsBeforeBySign, &up);
+  HYLBasTreeGeneric<A> b(layout, HYLBasGetReplicator<int>(), IsBeforeBySign, &down);
+  for (int const value : {2, 1, 3}) {
+    a.InsertUnique(&value);
+    b.InsertUnique(&value);
+  }
+  a.Swap(&b);
+  int const zero = 0;
+  EXPECT_TRUE(a.InsertUnique(&zero).second);
+  EXPECT_EQ(*static_cast<int*>(a.Value(a.Rightmost())), 0);
+  EXPECT_EQ(*static_cast<int*>(b.Value(b.Rightmost())), 3);
+  EXPECT_TRUE(a.VerifyTree() && b.VerifyTree());
+  EXPECT_TRUE(a > b);
+  EXPECT_FALSE(a <= b);
+  EXPECT_FALSE(a >= b);
+  EXPECT_TRUE(a < b);
+  b = a;
+  EXPECT_FALSE(b.InsertUnique(&zero).second);
+  EXPECT_EQ(*static_cast<int*>(b.Value(b.Begin())), 3);
+}
+
+TEST(TreeGenericOrders, GoWithTheirValues) {
+  recording::Reset(nullptr, 0);
+  ExchangesOrders<HYLBasNodeAllocator>();
+  ExchangesOrders<HYLBasNodeTrackingAllocator>();
+  ExchangesOrders<HYLBasMemTruePool>();
+}
+
 } // namespace

@@ -34,10 +34,11 @@ HYLBasTreeGeneric<A>::HYLBasTreeGeneric(HYLBasNodeOffsets const& offsets,
 template <class A>
 HYLBasTreeGeneric<A>::HYLBasTreeGeneric(HYLBasTreeGeneric const& other)
     : HYLBasTreeGeneric(other.m_offsets, other.m_replicator, other.m_compare, other.m_context) {
-  if (other.Root() == nullptr) return;
-  Root() = TreeCopy(other.Root(), m_header);
-  Leftmost() = Minimum(Root());
-  Rightmost() = Maximum(Root());
+  if (other.Root() != nullptr) {
+    Root() = TreeCopy(other.Root(), m_header);
+    Leftmost() = Minimum(Root());
+    Rightmost() = Maximum(Root());
+  }
   m_nodeCount = other.m_nodeCount;
 }
 
@@ -177,23 +178,14 @@ void HYLBasTreeGeneric<A>::Clear() {
   m_nodeCount = 0;
 }
 
-// A destroyed node's left subtree takes its place. So everything that is still to be destroyed
-// hangs together, and what comes after a subtree is always the parent of its root.
+// Reads the links downwards only, so that it serves a subtree whose parents were never set.
 template <class A>
 void HYLBasTreeGeneric<A>::TreeNodeErase(Node* x) {
-  if (x == nullptr) return;
-  x->m_parent = nullptr;
   while (x != nullptr) {
-    x = Maximum(x);
-    Node* next = x->m_left;
-    if (next != nullptr) {
-      next->m_parent = x->m_parent;
-    } else {
-      next = x->m_parent;
-      if (next != nullptr) next->m_right = nullptr;
-    }
+    TreeNodeErase(x->m_right);
+    Node* const left = x->m_left;
     DestroyNode(x);
-    x = next;
+    x = left;
   }
 }
 

@@ -136,8 +136,8 @@ public:
   }
   /// @}
 
-  /// What TreeNodeErase does where values need no destruction: nobody can tell the order, so that
-  /// the next nodes can be on their way from memory while one is released.
+  /// What TreeNodeErase does where values need no destruction. Then the order of releases is not
+  /// promised, so that the next nodes can be on their way from memory while one is released.
   static void ReleaseNodes(Tree& tree, Node* root) {
     if constexpr (NodeMemory<A>::releasesNodes) {
       PendingNodes pending;
@@ -196,7 +196,7 @@ private:
   static HYLBasPairIterBoolGeneric InsertUniqueUnobserved(Tree& tree, void const* value,
                                                           Order order) {
     Node* const last = tree.Rightmost();
-    if (tree.m_nodeCount != 0 && order(tree.Value(last), value))
+    if (tree.Root() != nullptr && order(tree.Value(last), value))
       return {Link(tree, false, last, value), true};
     auto const [y, j] = FindLeaf(tree.m_header, tree.m_offsets.m_valueOffset, value, order);
     if (j != nullptr && !order(tree.Value(j), value)) return {j, false};
