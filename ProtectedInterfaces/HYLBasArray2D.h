@@ -7,18 +7,20 @@
 /// it. It has no spare capacity and does not grow in place; take `HYLBasVector<T>` for that.
 ///
 /// Rules that hold throughout:
-/// - Dimensions and indices are `int`, counted from 0. A dimension below 1 is stored as it is, and
-///   the array then has no block. The elements of a block must be countable in an `int`, unchecked.
-/// - `Order` 0 is row-major, each row contiguous: element (i, j) has index i * columns + j. `Order`
-/// 1
-///   is column-major, each column contiguous: index j * rows + i.
-/// - The array releases the blocks that it allocated or adopted with `mem_Free`, also a null one;
-/// it
-///   never releases a borrowed one. What it adopts must come from the memory library.
+/// - Dimensions and indices are `int`, counted from 0. A dimension below 1 is stored as it is; no
+///   block is then allocated, and an adopted or borrowed one is kept. The elements of a block must
+///   be countable in an `int`, unchecked.
+/// - `Order` 0 is row-major, each row contiguous: element (i, j) has index i * columns + j.
+///   `Order` 1 is column-major, each column contiguous: index j * rows + i.
+/// - The array releases the blocks that it allocated or adopted with `mem_Free`, also a null one.
+///   It never releases a borrowed one. What it adopts must come from the memory library.
+/// - Assignment, `Resize`, `AdoptMemory`, `BorrowMemory` and being the result of an extraction
+///   replace the block: references to elements and pointers to the memory are then invalid.
 /// - Every element access is checked, in every build. A failed check is reported through
 ///   `QELFatalError` with "AssertionFailed:" and the text of the condition; where the service
 ///   returns, the process ends, unless said otherwise. `GetPointerToMemory` is the unchecked way.
-/// - Exhausted memory: `std::bad_alloc`, and the array is as it was.
+/// - Exhausted memory: `std::bad_alloc`, and the array is as it was. Where a vector takes a copy,
+///   what `HYLBasVector.h` says.
 /// - One thread at a time per array that is changed; a constant one may be read by several.
 ///
 /// A loop whose bounds come from this array, through `GetSize` or `GetNumberOfRows()` and
@@ -289,7 +291,10 @@ public:
 
   ~HYLBasArray2D() {
     Destroy(m_data, m_memType);
-    SetMembers(0, 0, m_memType, nullptr);
+    // Volatile: compilers drop other stores to an object whose life is over.
+    const_cast<decltype(m_m) volatile&>(m_m) = decltype(m_m)();
+    const_cast<decltype(m_n) volatile&>(m_n) = decltype(m_n)();
+    const_cast<T* volatile&>(m_data) = nullptr;
   }
 
   /// Replaces the contents by an owned copy of `other`, also of this array itself, and releases the

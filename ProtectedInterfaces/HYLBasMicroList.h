@@ -37,8 +37,9 @@ public:
 
   ~HYLBasMicroList() {
     if (m_items != nullptr) HYLBasMicroAllocator::Free(m_items);
-    m_count = 0;
-    m_items = nullptr;
+    // Volatile: compilers drop other stores to an object whose life is over.
+    const_cast<signed char volatile&>(m_count) = 0;
+    const_cast<T* volatile&>(m_items) = nullptr;
   }
 
   /// Changes nothing: the list keeps its own block, length and elements.

@@ -434,6 +434,56 @@ TYPED_TEST(TreeGeneric, NodesStayWithTheMemoryThatGoesWithTheirTree) {
   ExpectKeys(e, 50, 51);
 }
 
+bool ContextOrder(void const* a, void const* b, void const* factor) {
+  int const f = *static_cast<int const*>(factor);
+  return f * *static_cast<int const*>(a) < f * *static_cast<int const*>(b);
+}
+unsigned int destroyed;
+void CountingDestroy(void const*, unsigned int count) { destroyed += count; }
+
+// Comparator, context and replicator go with the values when trees are exchanged and assigned, and
+// each comparison of two trees is computed by the tree that it belongs to.
+TYPED_TEST(TreeGeneric, PoliciesGoWithTheValues) {
+  recording::Reset(nullptr, 0);
+  using Tree = HYLBasTreeGeneric<TypeParam>;
+  int const up = 1, down = -1;
+  Value const values[] = {{1, 0}, {2, 0}, {3, 0}};
+  HYLBasReplicatorGeneric const counted(8, HYLBasPODCopy<double>, CountingDestroy);
+  auto const first = [](Tree& tree) { return static_cast<Value*>(tree.Value(tree.Begin()))->key; };
+  for (bool const assigns : {false, true}) {
+    destroyed = 0;
+    Tree rising(offsets, pairs, ContextOrder, &up);
+    Tree falling(offsets, counted, ContextOrder, &down);
+    Tree inlined(offsets, pairs, HYLBasStandardComparitor<int>, nullptr);
+    for (Value const& value : values) {
+      rising.InsertUnique(&value);
+      if (value.key != 2) falling.InsertUnique(&value);
+      inlined.InsertUnique(&value);
+    }
+    // {1, 2, 3} and {3, 1}: the rising tree finds 1 before 3, the falling one 3 before 1.
+    EXPECT_TRUE(rising < falling);
+    EXPECT_TRUE(falling < rising);
+    EXPECT_TRUE(rising > falling);
+    EXPECT_TRUE(falling > rising);
+    EXPECT_FALSE(rising <= falling);
+    EXPECT_FALSE(rising >= falling);
+
+    assigns ? static_cast<void>(rising = falling) : rising.Swap(&falling);
+    EXPECT_EQ(first(rising), 3);
+    rising.InsertUnique(&values[1]);
+    EXPECT_TRUE(rising.VerifyTree());
+    rising.Clear();
+    EXPECT_EQ(destroyed, 3u);
+    falling.Clear();
+    EXPECT_EQ(destroyed, assigns ? 5u : 3u);
+    inlined.Swap(&rising);
+    inlined.InsertUnique(&values[0]);
+    inlined.InsertUnique(&values[1]);
+    EXPECT_EQ(first(inlined), 2);
+    EXPECT_EQ(first(rising), 1);
+  }
+}
+
 TEST(TreeGenericSelfCheck, FindsEveryKindOfDamage) {
   recording::Reset(nullptr, 0);
   using Tree = HYLBasTreeGeneric<HYLBasNodeAllocator>;
@@ -569,44 +619,5 @@ static_assert(sizeof(void*) != 4 || sizeof(HYLBasTreeGeneric<HYLBasNodeAllocator
 static_assert(sizeof(void*) != 8 || sizeof(HYLBasTreeGeneric<HYLBasNodeAllocator>) == 64);
 static_assert(sizeof(HYLBasNodeOffsets) == 8);
 static_assert(sizeof(HYLBasTreeIteratorGeneric) == sizeof(void*));
-
-bool IsBeforeBySign(void const* a, void const* b, void const* signOfOrder) {
-  int const sign = *static_cast<int const*>(signOfOrder);
-  return sign * *static_cast<int const*>(a) < sign * *static_cast<int const*>(b);
-}
-
-// Two trees of opposite orders: each order goes with its values, and the described tree computes.
-template <class A>
-void ExchangesOrders() {
-  int const up = 1, down = -1;
-  int const node = static_cast<int>(sizeof(HYLBasTreeNodeGeneric));
-  HYLBasNodeOffsets const layout(node, node + static_cast<int>(sizeof(int)));
-  HYLBasTreeGeneric<A> a(layout, HYLBasGetReplicator<int>(), IsBeforeBySign, &up);
-  HYLBasTreeGeneric<A> b(layout, HYLBasGetReplicator<int>(), IsBeforeBySign, &down);
-  for (int const value : {2, 1, 3}) {
-    a.InsertUnique(&value);
-    b.InsertUnique(&value);
-  }
-  a.Swap(&b);
-  int const zero = 0;
-  EXPECT_TRUE(a.InsertUnique(&zero).second);
-  EXPECT_EQ(*static_cast<int*>(a.Value(a.Rightmost())), 0);
-  EXPECT_EQ(*static_cast<int*>(b.Value(b.Rightmost())), 3);
-  EXPECT_TRUE(a.VerifyTree() && b.VerifyTree());
-  EXPECT_TRUE(a > b);
-  EXPECT_FALSE(a <= b);
-  EXPECT_FALSE(a >= b);
-  EXPECT_TRUE(a < b);
-  b = a;
-  EXPECT_FALSE(b.InsertUnique(&zero).second);
-  EXPECT_EQ(*static_cast<int*>(b.Value(b.Begin())), 3);
-}
-
-TEST(TreeGenericOrders, GoWithTheirValues) {
-  recording::Reset(nullptr, 0);
-  ExchangesOrders<HYLBasNodeAllocator>();
-  ExchangesOrders<HYLBasNodeTrackingAllocator>();
-  ExchangesOrders<HYLBasMemTruePool>();
-}
 
 } // namespace
