@@ -98,8 +98,7 @@ public:
 
   template <class Order>
   static Node* InsertEqual(Tree& tree, void const* value, Order order) {
-    Node* const y = FindLeaf(tree.m_header, tree.m_offsets.m_valueOffset, value, order).parent;
-    return InsertAsChild(tree, nullptr, y, value, order);
+    return InsertAsChild(tree, nullptr, FindPlace(tree, value, order).parent, value, order);
   }
 
   /// Between two neighbours, of which exactly one has no child on the side of the other.
@@ -198,9 +197,14 @@ private:
     Node* const last = tree.Rightmost();
     if (tree.Root() != nullptr && order(tree.Value(last), value))
       return {Link(tree, false, last, value), true};
-    auto const [y, j] = FindLeaf(tree.m_header, tree.m_offsets.m_valueOffset, value, order);
+    auto const [y, j] = FindPlace(tree, value, order);
     if (j != nullptr && !order(tree.Value(j), value)) return {j, false};
     return {Link(tree, y != j, y, value), true};
+  }
+
+  template <class Order>
+  static Leaf FindPlace(Tree const& tree, void const* value, Order order) {
+    return FindLeaf(tree.m_header, tree.m_nodeCount, tree.m_offsets.m_valueOffset, value, order);
   }
 
   /// By its address, because the side of a new node cannot be predicted.
