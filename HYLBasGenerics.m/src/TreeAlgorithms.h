@@ -154,36 +154,18 @@ public:
     }
   }
 
-  /// Copies what is below `x` to below its clone `copy`, right subtrees first. Of the nodes on the
-  /// way right, the left subtrees are still to be copied, the last one first; more of them than
-  /// balanced trees have are left to another call.
+  /// Copies what is below `x` to below its clone `copy`, right subtrees first.
   static void CopyChildren(Tree& tree, Node* x, Node* copy) {
-    struct Pending {
-      Node* left;
-      Node* copy;
-    };
-    constexpr int room = 64;
-    Pending pending[room];
-    for (int count = 0;;) {
-      if (count == room - 1 && x->m_right != nullptr) {
+    for (;;) {
+      __builtin_prefetch(x->m_left);
+      if (x->m_right != nullptr) {
         copy->m_right = CloneBelow(tree, x->m_right, copy);
         CopyChildren(tree, x->m_right, copy->m_right);
       }
-      __builtin_prefetch(x->m_left);
-      pending[count] = {x->m_left, copy};
-      count += x->m_left != nullptr;
-      if (x->m_right != nullptr && copy->m_right == nullptr) {
-        copy->m_right = CloneBelow(tree, x->m_right, copy);
-        x = x->m_right;
-        copy = copy->m_right;
-      } else if (count != 0) {
-        Pending const next = pending[--count];
-        next.copy->m_left = CloneBelow(tree, next.left, next.copy);
-        x = next.left;
-        copy = next.copy->m_left;
-      } else {
-        return;
-      }
+      x = x->m_left;
+      if (x == nullptr) return;
+      copy->m_left = CloneBelow(tree, x, copy);
+      copy = copy->m_left;
     }
   }
 
