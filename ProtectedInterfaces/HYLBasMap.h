@@ -96,7 +96,7 @@ public:
   /// The value of `key`, which is inserted with value zero when it is absent.
   V& operator[](K const& key) {
     auto const [parent, before] = hylbas_detail::FindLeaf(
-        m_tree.End(), hylbas_detail::valueOffset<value_type>, &key, Order());
+        m_tree.End(), m_tree.Size(), hylbas_detail::valueOffset<value_type>, &key, Order());
     if (before != nullptr && !(Element(before)->first < key)) return Element(before)->second;
     value_type const element(key, V());
     HYLBasTreeNodeGeneric* const leftHint = parent == before ? nullptr : parent;

@@ -139,11 +139,19 @@ struct Leaf {
   HYLBasTreeNodeGeneric* before; ///< the neighbour before the place; null when there is none
 };
 
+/// Trees of more nodes wait for most nodes of a descent to come from far away.
+inline constexpr unsigned int mostNearNodes = 1u << 18;
+
 template <class Order>
-Leaf FindLeaf(HYLBasTreeNodeGeneric* header, int valueOffset, void const* value, Order order) {
+Leaf FindLeaf(HYLBasTreeNodeGeneric* header, unsigned int nodeCount, int valueOffset,
+              void const* value, Order order) {
   Leaf leaf{header, nullptr};
   for (HYLBasTreeNodeGeneric* x = header->m_parent; x != nullptr;) {
     leaf.parent = x;
+    if (nodeCount > mostNearNodes) { // in a smaller tree it would only displace what is near
+      __builtin_prefetch(x->m_left);
+      __builtin_prefetch(x->m_right);
+    }
     StepToLeaf(x, leaf.before, valueOffset, value, order);
   }
   return leaf;

@@ -100,16 +100,22 @@ void IndexNew(State& state, unsigned int n) {
       state, [&]() -> Keys const& { return orders.Next(); }, IndexAll<M>);
 }
 
+// `count` keys drawn from those of a map, `offset` beyond them.
+Keys Drawn(unsigned int n, unsigned int count, int offset, unsigned int seed) {
+  Keys keys(count);
+  std::mt19937 random(seed);
+  for (int& key : keys)
+    key = 2 * static_cast<int>(random() % n) + offset;
+  return keys;
+}
+
 // Looks `count` keys up, `offset` beyond those of the map.
 template <class M, class Operation>
 void Lookups(State& state, unsigned int n, unsigned int count, int offset, Operation operation) {
   TidyHeap();
   M map;
   InsertAll(map, Orders(n, 1).Next());
-  Keys keys(count);
-  std::mt19937 random(2);
-  for (int& key : keys)
-    key = 2 * static_cast<int>(random() % n) + offset;
+  Keys const keys = Drawn(n, count, offset, 2);
   for (auto _ : state)
     for (int const key : keys)
       benchmark::DoNotOptimize(operation(map, key));

@@ -55,7 +55,7 @@ public:
     }
     HYLBasTreeIteratorGeneric j(y);
     if (before) {
-      if (y == m_header.m_left) return Link(y, value);
+      if (y == &m_header || y == m_header.m_left) return Link(y, value);
       j.Previous();
     }
     if (m_compare(j.m_node + 1, value, m_context)) Link(y, value);

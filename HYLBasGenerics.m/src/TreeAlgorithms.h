@@ -98,8 +98,7 @@ public:
 
   template <class Order>
   static Node* InsertEqual(Tree& tree, void const* value, Order order) {
-    Node* const y = FindLeaf(tree.m_header, tree.m_offsets.m_valueOffset, value, order).parent;
-    return InsertAsChild(tree, nullptr, y, value, order);
+    return InsertAsChild(tree, nullptr, FindPlace(tree, value, order).parent, value, order);
   }
 
   /// Between two neighbours, of which exactly one has no child on the side of the other.
@@ -155,36 +154,18 @@ public:
     }
   }
 
-  /// Copies what is below `x` to below its clone `copy`, right subtrees first. Of the nodes on the
-  /// way right, the left subtrees are still to be copied, the last one first; more of them than
-  /// balanced trees have are left to another call.
+  /// Copies what is below `x` to below its clone `copy`, right subtrees first.
   static void CopyChildren(Tree& tree, Node* x, Node* copy) {
-    struct Pending {
-      Node* left;
-      Node* copy;
-    };
-    constexpr int room = 64;
-    Pending pending[room];
-    for (int count = 0;;) {
-      if (count == room - 1 && x->m_right != nullptr) {
+    for (;;) {
+      __builtin_prefetch(x->m_left);
+      if (x->m_right != nullptr) {
         copy->m_right = CloneBelow(tree, x->m_right, copy);
         CopyChildren(tree, x->m_right, copy->m_right);
       }
-      __builtin_prefetch(x->m_left);
-      pending[count] = {x->m_left, copy};
-      count += x->m_left != nullptr;
-      if (x->m_right != nullptr && copy->m_right == nullptr) {
-        copy->m_right = CloneBelow(tree, x->m_right, copy);
-        x = x->m_right;
-        copy = copy->m_right;
-      } else if (count != 0) {
-        Pending const next = pending[--count];
-        next.copy->m_left = CloneBelow(tree, next.left, next.copy);
-        x = next.left;
-        copy = next.copy->m_left;
-      } else {
-        return;
-      }
+      x = x->m_left;
+      if (x == nullptr) return;
+      copy->m_left = CloneBelow(tree, x, copy);
+      copy = copy->m_left;
     }
   }
 
@@ -198,9 +179,14 @@ private:
     Node* const last = tree.Rightmost();
     if (tree.Root() != nullptr && order(tree.Value(last), value))
       return {Link(tree, false, last, value), true};
-    auto const [y, j] = FindLeaf(tree.m_header, tree.m_offsets.m_valueOffset, value, order);
+    auto const [y, j] = FindPlace(tree, value, order);
     if (j != nullptr && !order(tree.Value(j), value)) return {j, false};
     return {Link(tree, y != j, y, value), true};
+  }
+
+  template <class Order>
+  static Leaf FindPlace(Tree const& tree, void const* value, Order order) {
+    return FindLeaf(tree.m_header, tree.m_nodeCount, tree.m_offsets.m_valueOffset, value, order);
   }
 
   /// By its address, because the side of a new node cannot be predicted.
