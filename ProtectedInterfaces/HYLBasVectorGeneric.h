@@ -38,11 +38,11 @@ class VectorLoan;
 
 /// Ends the life of the elements of [`first`, `last`), in one call also when there are none, and
 /// then of the block.
-template <class Replicator>
-void ReleaseBlock(Replicator const& replicator, char* first, char* last) {
+template <class Allocator, class Replicator>
+void ReleaseBlock(Allocator& allocator, Replicator const& replicator, char* first, char* last) {
   if (replicator.m_destroy != nullptr)
     replicator.m_destroy(first, static_cast<unsigned int>((last - first) / replicator.m_size));
-  if (first != nullptr) HYLBasVectorAllocator::deallocate(first, 0);
+  if (first != nullptr) allocator.deallocate(first, 0);
 }
 } // namespace hylbas_detail
 
@@ -57,7 +57,7 @@ public:
   HYLBasVectorGeneric(HYLBasVectorGeneric const& other);
   /// Destroys the elements in one call, also when there are none, and releases the block.
   HYLBASGENERICS_EXPORT_INLINE ~HYLBasVectorGeneric() {
-    hylbas_detail::ReleaseBlock(m_replicator, m_first, m_last);
+    hylbas_detail::ReleaseBlock(m_allocator, m_replicator, m_first, m_last);
   }
   /// Replaces the contents by copies of `other`'s, in a new block of exactly that many elements;
   /// the replicator stays. Both vectors must hold the same element type, unchecked.

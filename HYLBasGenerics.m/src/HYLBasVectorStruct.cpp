@@ -35,7 +35,7 @@ HYLBasVectorStruct<Alloc, Replicator>::HYLBasVectorStruct(HYLBasVectorStruct con
 
 template <class Alloc, class Replicator>
 HYLBasVectorStruct<Alloc, Replicator>::~HYLBasVectorStruct() {
-  hylbas_detail::ReleaseBlock(m_replicator, m_first, m_last);
+  hylbas_detail::ReleaseBlock(m_allocator, m_replicator, m_first, m_last);
 }
 
 template <class Alloc, class Replicator>

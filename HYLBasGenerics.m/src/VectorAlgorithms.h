@@ -93,7 +93,7 @@ public:
 
   /// Replaces the block by one of `capacity` elements whose elements end at `last`.
   static void ReplaceBlock(V& v, char* block, char* last, std::uint64_t capacity) {
-    ReleaseBlock(v.m_replicator, v.m_first, v.m_last);
+    ReleaseBlock(v.m_allocator, v.m_replicator, v.m_first, v.m_last);
     v.m_first = block;
     v.m_last = last;
     v.m_endOfStorage = block + capacity * Step(v);
