@@ -291,10 +291,7 @@ public:
 
   ~HYLBasArray2D() {
     Destroy(m_data, m_memType);
-    // Volatile: compilers drop other stores to an object whose life is over.
-    const_cast<decltype(m_m) volatile&>(m_m) = decltype(m_m)();
-    const_cast<decltype(m_n) volatile&>(m_n) = decltype(m_n)();
-    const_cast<T* volatile&>(m_data) = nullptr;
+    SetMembers(0, 0, m_memType, nullptr);
   }
 
   /// Replaces the contents by an owned copy of `other`, also of this array itself, and releases the
