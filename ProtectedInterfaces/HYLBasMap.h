@@ -3,8 +3,9 @@
 ///
 /// Take it for values by `int` key in increasing order of keys. It is a `HYLBasTreeGeneric` with
 /// typed names: one block of the memory library's general heap per element, and elements keep
-/// their address, and positions stay valid, until they are erased. Lookups and steps are inline;
-/// everything else is one call into the library. `docs/maps.md` says when another map is faster.
+/// their address, and positions stay valid, until they are erased. Lookups, steps and the way to a
+/// key's place are inline; everything else is one call into the library. `docs/maps.md` says when
+/// another map is faster.
 ///
 /// It differs from `std::map` in these points: counts are 32 bits; iterators only step forward, by
 /// `++it`; exhausted memory ends the process instead of throwing; `Insert` and `InsertOver` take
@@ -45,6 +46,39 @@ static_assert(sizeof(void*) != 4 ||
               (valueOffset<MapElement<char>> == 20 && nodeSize<MapElement<char>> == 28));
 static_assert(sizeof(void*) != 4 ||
               (valueOffset<MapElement<double>> == 24 && nodeSize<MapElement<double>> == 40));
+
+/// What a tree with elements `T` and the library's `int` comparator does by its members of the same
+/// names, without a call: to a small map that is half of the time. Not members of the map, because
+/// consumers expect those of the library, which does not export them.
+template <class T>
+struct InlineTree {
+  using Tree = HYLBasTreeGeneric<HYLBasNodeAllocator>;
+  using Node = HYLBasTreeNodeGeneric;
+  using Order = InlinedOrder<int>;
+
+  static Node* Find(Tree const& tree, int const& key) {
+    return hylbas_detail::Find(tree.End(), valueOffset<T>, &key, Order());
+  }
+  static Node* LowerBound(Tree const& tree, int const& key) {
+    return hylbas_detail::LowerBound(tree.End(), valueOffset<T>, &key, Order());
+  }
+  static Node* UpperBound(Tree const& tree, int const& key) {
+    return hylbas_detail::UpperBound(tree.End(), valueOffset<T>, &key, Order());
+  }
+  static HYLBasPairIterBoolGeneric InsertUnique(Tree& tree, T const& element) {
+    Leaf const leaf = FindLeafFromEnd(tree.End(), valueOffset<T>, &element, Order());
+    if (leaf.IsAfterEquivalent(valueOffset<T>, &element, Order())) return {leaf.before, false};
+    // There the side is found again: to pass what is known would take a jump nobody can predict.
+    return {tree.TreeNodeInsert(nullptr, leaf.parent, &element), true};
+  }
+
+  /// The node with `key`, or null. The way on to the leaf passes the nodes that take part in the
+  /// removal.
+  static Node* FindToErase(Tree const& tree, int const& key) {
+    Leaf const leaf = FindLeaf(tree.End(), valueOffset<T>, &key, Order());
+    return leaf.IsAfterEquivalent(valueOffset<T>, &key, Order()) ? leaf.before : nullptr;
+  }
+};
 
 } // namespace hylbas_detail
 
@@ -95,24 +129,21 @@ public:
 
   /// The value of `key`, which is inserted with value zero when it is absent.
   V& operator[](K const& key) {
-    auto const [parent, before] = hylbas_detail::FindLeaf(
-        m_tree.End(), m_tree.Size(), hylbas_detail::valueOffset<value_type>, &key, Order());
-    if (before != nullptr && !(Element(before)->first < key)) return Element(before)->second;
-    value_type const element(key, V());
-    HYLBasTreeNodeGeneric* const leftHint = parent == before ? nullptr : parent;
-    return Element(m_tree.TreeNodeInsert(leftHint, parent, &element))->second;
+    return iterator(Inline::InsertUnique(m_tree, value_type(key, V())).first)->second;
   }
   /// The element with `key`, or `end()`.
-  iterator find(K const& key) { return Find(key); }
-  const_iterator find(K const& key) const { return Find(key); }
+  iterator find(K const& key) { return Inline::Find(m_tree, key); }
+  const_iterator find(K const& key) const { return Inline::Find(m_tree, key); }
   /// 1 when `key` is present, else 0.
-  unsigned int count(K const& key) const { return Find(key) != m_tree.End() ? 1 : 0; }
+  unsigned int count(K const& key) const {
+    return Inline::Find(m_tree, key) != m_tree.End() ? 1 : 0;
+  }
   /// The first element whose key is not below `key`.
-  iterator lower_bound(K const& key) { return LowerBound(key); }
-  const_iterator lower_bound(K const& key) const { return LowerBound(key); }
+  iterator lower_bound(K const& key) { return Inline::LowerBound(m_tree, key); }
+  const_iterator lower_bound(K const& key) const { return Inline::LowerBound(m_tree, key); }
   /// The first element whose key is above `key`.
-  iterator upper_bound(K const& key) { return UpperBound(key); }
-  const_iterator upper_bound(K const& key) const { return UpperBound(key); }
+  iterator upper_bound(K const& key) { return Inline::UpperBound(m_tree, key); }
+  const_iterator upper_bound(K const& key) const { return Inline::UpperBound(m_tree, key); }
   /// (`lower_bound(key)`, `upper_bound(key)`)
   HYLBasPair<iterator, iterator> equal_range(K const& key) {
     return {lower_bound(key), upper_bound(key)};
@@ -129,20 +160,18 @@ public:
 
   /// The element with `key`: the new one, or the existing one, which keeps its value.
   iterator Insert(K const& key, V const& value) {
-    value_type const element(key, value);
-    return m_tree.InsertUnique(&element).first;
+    return Inline::InsertUnique(m_tree, value_type(key, value)).first;
   }
   /// The element with `key`, whose value is `value` afterwards.
   iterator InsertOver(K const& key, V const& value) {
-    value_type const element(key, value);
-    HYLBasPairIterBoolGeneric const result = m_tree.InsertUnique(&element);
-    if (!result.second) Element(result.first)->second = value;
+    HYLBasPairIterBoolGeneric const result = Inline::InsertUnique(m_tree, value_type(key, value));
+    if (!result.second) iterator(result.first)->second = value;
     return result.first;
   }
   /// The element with the key of `element`, and whether it was inserted; an existing one keeps its
   /// value.
   HYLBasPair<iterator, bool> insert(value_type const& element) {
-    return fromGeneric(m_tree.InsertUnique(&element));
+    return fromGeneric(Inline::InsertUnique(m_tree, element));
   }
   /// The same, with a hint: the position that the new element will come directly before.
   iterator insert(iterator position, value_type const& element) {
@@ -151,12 +180,12 @@ public:
   /// Inserts the elements of an array whose keys are absent.
   void insert(value_type const* first, value_type const* last) {
     for (; first != last; ++first)
-      m_tree.InsertUnique(first);
+      Inline::InsertUnique(m_tree, *first);
   }
   /// Inserts the elements of a range whose keys are absent.
   void insert(const_iterator first, const_iterator last) {
     for (; first != last; ++first)
-      m_tree.InsertUnique(&*first);
+      Inline::InsertUnique(m_tree, *first);
   }
   /// @}
 
@@ -168,9 +197,9 @@ public:
   void erase(iterator first, iterator last) { m_tree.Erase(first.m_node, last.m_node); }
   /// Removes the element with `key`; returns how many there were, 1 or 0.
   unsigned int erase(K const& key) {
-    HYLBasTreeNodeGeneric* const position = Find(key);
-    if (position == m_tree.End()) return 0;
-    m_tree.Erase(position);
+    HYLBasTreeNodeGeneric* const node = Inline::FindToErase(m_tree, key);
+    if (node == nullptr) return 0;
+    m_tree.Erase(node);
     return 1;
   }
   /// Removes the element of every key of the array; absent keys are skipped.
@@ -186,30 +215,13 @@ public:
   void swap(HYLBasMap& other) { m_tree.Swap(&other.m_tree); }
 
 private:
-  using Order = hylbas_detail::InlinedOrder<K>;
+  using Inline = hylbas_detail::InlineTree<value_type>;
 
   static HYLBasNodeOffsets getOffsets() {
     return {hylbas_detail::valueOffset<value_type>, hylbas_detail::nodeSize<value_type>};
   }
   static HYLBasPair<iterator, bool> fromGeneric(HYLBasPairIterBoolGeneric const& g) {
     return {g.first, g.second};
-  }
-
-  HYLBASGENERICS_LOCAL static value_type* Element(HYLBasTreeNodeGeneric* node) {
-    return iterator(node).operator->();
-  }
-
-  // What the tree's own lookups find, without a call: to a small map that is half of the time.
-  HYLBASGENERICS_LOCAL HYLBasTreeNodeGeneric* Find(K const& key) const {
-    return hylbas_detail::Find(m_tree.End(), hylbas_detail::valueOffset<value_type>, &key, Order());
-  }
-  HYLBASGENERICS_LOCAL HYLBasTreeNodeGeneric* LowerBound(K const& key) const {
-    return hylbas_detail::LowerBound(m_tree.End(), hylbas_detail::valueOffset<value_type>, &key,
-                                     Order());
-  }
-  HYLBASGENERICS_LOCAL HYLBasTreeNodeGeneric* UpperBound(K const& key) const {
-    return hylbas_detail::UpperBound(m_tree.End(), hylbas_detail::valueOffset<value_type>, &key,
-                                     Order());
   }
 
   HYLBasTreeGeneric<HYLBasNodeAllocator> m_tree;

@@ -133,28 +133,42 @@ HYLBasTreeNodeGeneric* UpperBound(HYLBasTreeNodeGeneric* header, int valueOffset
   return y;
 }
 
-/// Where a descent ends that finds the place after all values that are not after its own.
+/// The place of a new value after all that are not after it.
 struct Leaf {
-  HYLBasTreeNodeGeneric* parent; ///< the last node; the header when the tree is empty
+  HYLBasTreeNodeGeneric* parent; ///< the last node of the descent; the header of an empty tree
   HYLBasTreeNodeGeneric* before; ///< the neighbour before the place; null when there is none
+
+  /// Where `parent` is a node, it is one of the two neighbours.
+  bool IsLeft() const { return parent != before; }
+
+  /// Whether a value equivalent to `value` is there, in `before`.
+  template <class Order>
+  bool IsAfterEquivalent(int valueOffset, void const* value, Order order) const {
+    return before != nullptr && !order(ValueOf(before, valueOffset), value);
+  }
 };
 
-/// Trees of more nodes wait for most nodes of a descent to come from far away.
-inline constexpr unsigned int mostNearNodes = 1u << 18;
-
 template <class Order>
-Leaf FindLeaf(HYLBasTreeNodeGeneric* header, unsigned int nodeCount, int valueOffset,
-              void const* value, Order order) {
+Leaf FindLeaf(HYLBasTreeNodeGeneric* header, int valueOffset, void const* value, Order order) {
   Leaf leaf{header, nullptr};
   for (HYLBasTreeNodeGeneric* x = header->m_parent; x != nullptr;) {
     leaf.parent = x;
-    if (nodeCount > mostNearNodes) { // in a smaller tree it would only displace what is near
-      __builtin_prefetch(x->m_left);
-      __builtin_prefetch(x->m_right);
-    }
+    // Both: the child not taken is needed by many a rebalancing, as the uncle of the new node.
+    __builtin_prefetch(x->m_left);
+    __builtin_prefetch(x->m_right);
     StepToLeaf(x, leaf.before, valueOffset, value, order);
   }
   return leaf;
+}
+
+/// The same leaf, after one comparison where the value comes after all others, as in ascending
+/// insertion.
+template <class Order>
+Leaf FindLeafFromEnd(HYLBasTreeNodeGeneric* header, int valueOffset, void const* value,
+                     Order order) {
+  HYLBasTreeNodeGeneric* const last = header->m_right;
+  if (last != header && order(ValueOf(last, valueOffset), value)) return {last, last};
+  return FindLeaf(header, valueOffset, value, order);
 }
 
 /// The first node that is equivalent to `key`, or the header.

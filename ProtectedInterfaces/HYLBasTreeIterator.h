@@ -52,17 +52,17 @@ public:
 
   /// \name Whether both are the same position
   /// @{
-  bool operator==(HYLBasTreeIterator const& other) const { return Generic().Equal(other.m_node); }
-  bool operator!=(HYLBasTreeIterator const& other) const {
-    return Generic().NotEqual(other.m_node);
-  }
-  bool operator==(Reading const& other) const { return Generic().Equal(other.m_node); }
-  bool operator!=(Reading const& other) const { return Generic().NotEqual(other.m_node); }
+  bool operator==(HYLBasTreeIterator const& other) const { return m_node == other.m_node; }
+  bool operator!=(HYLBasTreeIterator const& other) const { return m_node != other.m_node; }
+  bool operator==(Reading const& other) const { return m_node == other.m_node; }
+  bool operator!=(Reading const& other) const { return m_node != other.m_node; }
   /// @}
 
   /// The element; not defined at the end position.
   Reference operator*() const { return *operator->(); }
-  Pointer operator->() const { return static_cast<Pointer>(Generic().Dereference()); }
+  Pointer operator->() const {
+    return static_cast<Pointer>(HYLBasTreeIteratorGeneric(m_node).Dereference());
+  }
 
   /// Moves to the next element; not defined at the end position.
   HYLBasTreeIterator& operator++() {
@@ -73,9 +73,6 @@ public:
   }
 
   HYLBasTreeNodeGeneric* m_node;
-
-private:
-  HYLBASGENERICS_LOCAL HYLBasTreeIteratorGeneric Generic() const { return {m_node}; }
 };
 
 namespace hylbas_detail {

@@ -6,7 +6,6 @@
 #include "PlainData.h"
 #include "TreeAlgorithms.h"
 
-using hylbas_detail::CalledOrder;
 using hylbas_detail::NodeMemory;
 using hylbas_detail::Predecessor;
 using hylbas_detail::Successor;
@@ -141,7 +140,9 @@ Node* HYLBasTreeGeneric<A>::InsertEqualAtPosition(Node* position, void const* va
 
 template <class A>
 Node* HYLBasTreeGeneric<A>::TreeNodeInsert(Node* x, Node* y, void const* value) {
-  return TreeAlgorithms<A>::InsertAsChild(*this, x, y, value, CalledOrder{m_compare, m_context});
+  return TreeAlgorithms<A>::InOrder(*this, [&](auto order) {
+    return TreeAlgorithms<A>::InsertAsChild(*this, x, y, value, order);
+  });
 }
 
 // --- Removal
@@ -276,20 +277,14 @@ void HYLBasTreeGeneric<A>::DeallocateNode(Node* x) {
 
 template <class A>
 Node* HYLBasTreeGeneric<A>::CreateNode(void const* value) {
-  Node* const node = AllocateNode();
-  node->m_valueOffset = m_offsets.m_valueOffset;
-  hylbas_detail::CopyOne(m_replicator, value, Value(node));
-  return node;
+  return hylbas_detail::WithCopy(
+      m_replicator, [&](auto copy) { return TreeAlgorithms<A>::Create(*this, value, copy); });
 }
 
 template <class A>
 Node* HYLBasTreeGeneric<A>::CloneNode(Node* x) {
-  Node* const node = CreateNode(Value(x));
-  node->m_color = x->m_color;
-  node->m_valueOffset = x->m_valueOffset;
-  node->m_left = nullptr;
-  node->m_right = nullptr;
-  return node;
+  return hylbas_detail::WithCopy(
+      m_replicator, [&](auto copy) { return TreeAlgorithms<A>::Clone(*this, x, copy); });
 }
 
 template <class A>
@@ -305,7 +300,8 @@ Node* HYLBasTreeGeneric<A>::TreeCopy(Node* x, Node* p) {
   Node* const top = CloneNode(x);
   top->m_parent = p;
   try {
-    TreeAlgorithms<A>::CopyChildren(*this, x, top);
+    hylbas_detail::WithCopy(
+        m_replicator, [&](auto copy) { TreeAlgorithms<A>::CloneChildren(*this, x, top, copy); });
   } catch (...) {
     TreeNodeErase(top);
     throw;

@@ -1,11 +1,13 @@
-// Every step exists in two mirror images. It is written once, for a link L that stands for left
-// and a link R that stands for right; the mirror image is the same function with them exchanged.
+// Every step exists in two mirror images. It is written once: for a side that is an index, or
+// for a link L that stands for left and a link R that stands for right; then the mirror image is
+// the same function with them exchanged.
 #include "HYLBasTreeNodeGeneric.h"
 
 #include <utility>
 
 // Holds the iterator's inline members for callers that do not inline them.
 #include "HYLBasTreeIteratorGeneric.h"
+#include "TreeLinks.h"
 
 namespace {
 
@@ -39,27 +41,44 @@ void RotateLeft(Node* x, Node*& root) {
   x->m_parent = y;
 }
 
-// Repairs red `x` below a red parent that is the `L` child of its parent; returns the node that
-// may violate the rules now. No node does when the parent of the returned one is black.
-template <Link L, Link R>
-Node* RepairRedPair(Node* x, Node*& root) {
-  Node* const p = x->m_parent;
-  Node* const g = p->m_parent;
-  Node* const u = g->*R;
-  if (IsRed(u)) {
-    p->m_color = e_black;
-    u->m_color = e_black;
-    g->m_color = e_red;
-    return g;
-  }
-  if (x == p->*R) {
-    x = p;
-    RotateLeft<L, R>(x, root);
-  }
-  x->m_parent->m_color = e_black;
+bool IsRightChild(Node const* x) { return x->m_parent->m_left != x; }
+
+// The field that holds the node `x`: which one it is cannot be predicted.
+Node*& Holder(Node* x, Node*& root) {
+  Node** const field = &hylbas_detail::Child(x->m_parent, IsRightChild(x));
+  return *(x == root ? &root : field);
+}
+
+// Sets the parent of `x`, if there is a node, without a jump.
+void SetParent(Node* x, Node* parent) {
+  Node* nobodys;
+  *(x != nullptr ? &x->m_parent : &nobodys) = parent;
+}
+
+// Repairs red `x` below red `p` below `g`, whose other child is not red: the middle one in order of
+// the three becomes the parent of the other two. This is the rotation around `g`, after that around
+// `p` where `x` is the inner child, in one: no jump tells the four shapes apart, since none could
+// be predicted.
+void Restructure(Node* x, Node* p, Node* g, Node*& root) {
+  using hylbas_detail::Child;
+  bool const side = IsRightChild(p);
+  bool const isInner = IsRightChild(x) != side;
+  Node* const middle = hylbas_detail::Choose(isInner, x, p);
+  Node* const outer = hylbas_detail::Choose(isInner, p, x);
+  Node* const nextToOuter = Child(x, isInner == side);
+  Node* const nextToG = Child(middle, !side);
+  Holder(g, root) = middle;
+  middle->m_parent = g->m_parent;
+  Child(outer, !side) = nextToOuter;
+  SetParent(nextToOuter, outer);
+  Child(g, side) = nextToG;
+  SetParent(nextToG, g);
+  Child(middle, side) = outer;
+  outer->m_parent = middle;
+  Child(middle, !side) = g;
+  g->m_parent = middle;
+  middle->m_color = e_black;
   g->m_color = e_red;
-  RotateLeft<R, L>(g, root);
-  return x;
 }
 
 // A place of the tree, and its parent: the place may hold no node.
@@ -144,9 +163,19 @@ void HYLBasTreeRotateRight(Node* x, Node*& root) { RotateLeft<right, left>(x, ro
 
 void HYLBasTreeRebalance(Node* x, Node*& root) {
   x->m_color = e_red;
-  while (x != root && x->m_parent->m_color == e_red)
-    x = x->m_parent == x->m_parent->m_parent->m_left ? RepairRedPair<left, right>(x, root)
-                                                     : RepairRedPair<right, left>(x, root);
+  while (x != root && x->m_parent->m_color == e_red) {
+    Node* const p = x->m_parent;
+    Node* const g = p->m_parent;
+    Node* const u = hylbas_detail::Child(g, !IsRightChild(p));
+    if (!IsRed(u)) {
+      Restructure(x, p, g, root);
+      break;
+    }
+    p->m_color = e_black;
+    u->m_color = e_black;
+    g->m_color = e_red;
+    x = g;
+  }
   root->m_color = e_black;
 }
 

@@ -27,22 +27,33 @@ inline bool IsPlainData(HYLBasReplicatorGeneric const& replicator) {
   }
 }
 
-/// Copies one element: by the replicator's function, or without a call where nobody can tell. Field
-/// by field, because a load that spans two stores has to wait for both.
-inline void CopyOne(HYLBasReplicatorGeneric const& replicator, void const* source,
-                    void* destination) {
-#define HYLBAS_COPY_ELEMENT(V)                                                                     \
-  if (copy == HYLBasStandardCopy<HYLBasPair<int const, V>>) {                                      \
-    new (destination, HYLBasPlacement())                                                           \
-        HYLBasPair<int const, V>(*static_cast<HYLBasPair<int const, V> const*>(source));           \
-    return;                                                                                        \
+/// Copies one element by the replicator's function.
+struct CalledCopy {
+  HYLBasReplicatorGeneric::CopyFunction m_copy;
+  void operator()(void const* source, void* destination) const { m_copy(source, destination, 1); }
+};
+
+/// What the library's own copy function for `T` does to one element, without a call. Field by
+/// field, because a load that spans two stores has to wait for both.
+template <class T>
+struct InlinedCopy {
+  void operator()(void const* source, void* destination) const {
+    new (destination, HYLBasPlacement()) T(*static_cast<T const*>(source));
   }
-  HYLBasReplicatorGeneric::CopyFunction const copy = replicator.m_copy;
-  HYLBAS_COPY_ELEMENT(double)
-  HYLBAS_COPY_ELEMENT(int)
-  HYLBAS_COPY_ELEMENT(float)
-  copy(source, destination, 1);
-#undef HYLBAS_COPY_ELEMENT
+};
+
+/// Carries out an operation that copies single elements, with the copies inlined where nobody can
+/// tell.
+template <class Operation>
+auto WithCopy(HYLBasReplicatorGeneric const& replicator, Operation operation) {
+#define HYLBAS_INLINE_COPY(V)                                                                      \
+  if (replicator.m_copy == HYLBasStandardCopy<HYLBasPair<int const, V>>)                           \
+    return operation(InlinedCopy<HYLBasPair<int const, V>>());
+  HYLBAS_INLINE_COPY(double)
+  HYLBAS_INLINE_COPY(int)
+  HYLBAS_INLINE_COPY(float)
+  return operation(CalledCopy{replicator.m_copy});
+#undef HYLBAS_INLINE_COPY
 }
 
 /// Whether destroying elements has no effect that anybody could observe.

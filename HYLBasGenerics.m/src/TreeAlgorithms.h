@@ -3,12 +3,11 @@
 /// compare, for every order. `HYLBasTreeGeneric<A>` befriends `TreeAlgorithms<A>`.
 #pragma once
 
-#include <cstddef>
-
 #include "HYLBasTreeDescent.h"
 #include "HYLBasTreeGeneric.h"
 #include "HYLBasTreeIteratorGeneric.h"
 #include "NodeMemory.h"
+#include "TreeLinks.h"
 
 namespace hylbas_detail {
 
@@ -24,16 +23,20 @@ inline HYLBasTreeNodeGeneric* Predecessor(HYLBasTreeNodeGeneric* x) {
   return position.m_node;
 }
 
-/// Nodes still to be visited, each asked for from memory when it is added. They come out level by
-/// level in batches of neighbours: late enough to have arrived, and with few other nodes between
-/// those that lie together, so that a heap that reuses blocks in this order keeps trees together.
+/// Nodes still to be released. Each is asked for from memory when it is added, and so is what comes
+/// after it, where heaps look when they take a block back. They come out level by level in batches
+/// of neighbours: late enough to have arrived, and with few other nodes between those that lie
+/// together, so that a heap that reuses blocks in this order keeps trees together.
 class PendingNodes {
 public:
+  explicit PendingNodes(int nodeSize) : m_nodeSize(nodeSize) {}
+
   bool HasRoom() const { return m_stacked + 2 <= sizeof m_stack / sizeof m_stack[0]; }
 
   // Null is left out, without a jump: half of all children are null, in no order.
   void Add(HYLBasTreeNodeGeneric* x) {
     __builtin_prefetch(x);
+    __builtin_prefetch(reinterpret_cast<char const*>(x) + m_nodeSize);
     if (m_batched != batchSize) {
       m_batch[m_batched] = x;
       m_batched += x != nullptr;
@@ -55,7 +58,8 @@ public:
   }
 
 private:
-  static constexpr unsigned int batchSize = 128;
+  static constexpr unsigned int batchSize = 64;
+  int const m_nodeSize; // in bytes
   HYLBasTreeNodeGeneric* m_batch[batchSize];
   HYLBasTreeNodeGeneric* m_stack[1024]; // more than balanced trees need
   unsigned int m_visited = 0, m_batched = 0, m_stacked = 0;
@@ -98,7 +102,8 @@ public:
 
   template <class Order>
   static Node* InsertEqual(Tree& tree, void const* value, Order order) {
-    return InsertAsChild(tree, nullptr, FindPlace(tree, value, order).parent, value, order);
+    Leaf const leaf = FindLeaf(tree.m_header, tree.m_offsets.m_valueOffset, value, order);
+    return InsertAsChild(tree, nullptr, leaf.parent, value, order);
   }
 
   /// Between two neighbours, of which exactly one has no child on the side of the other.
@@ -111,13 +116,16 @@ public:
 
   template <class Order>
   static Node* InsertAsChild(Tree& tree, Node* x, Node* y, void const* value, Order order) {
-    bool const isLeft = y == tree.m_header || x != nullptr || order(value, tree.Value(y));
-    return Link(tree, isLeft, y, value);
+    if (y == tree.m_header) return Link(tree, true, y, value);
+    if constexpr (Order::isObservable)
+      return Link(tree, x != nullptr || order(value, tree.Value(y)), y, value);
+    // Both asked at once, since neither answer could be predicted.
+    return Link(tree, (x != nullptr) | order(value, tree.Value(y)), y, value);
   }
 
   static Node* Link(Tree& tree, bool isLeft, Node* y, void const* value) {
     Node* const node = tree.CreateNode(value);
-    ChildField(y, isLeft) = node; // the header's left is the leftmost node
+    Child(y, !isLeft) = node; // the header's left is the leftmost node
     if (y == tree.m_header) {
       tree.Root() = node;
       tree.Rightmost() = node;
@@ -139,7 +147,7 @@ public:
   /// promised, so that the next nodes can be on their way from memory while one is released.
   static void ReleaseNodes(Tree& tree, Node* root) {
     if constexpr (NodeMemory<A>::releasesNodes) {
-      PendingNodes pending;
+      PendingNodes pending(tree.m_offsets.m_nodeSize);
       pending.Add(root);
       while (Node* const x = pending.Next()) {
         if (pending.HasRoom()) {
@@ -154,50 +162,59 @@ public:
     }
   }
 
-  /// Copies what is below `x` to below its clone `copy`, right subtrees first.
-  static void CopyChildren(Tree& tree, Node* x, Node* copy) {
+  /// \name Nodes with a copy of a value
+  /// @{
+  template <class Copy>
+  static Node* Create(Tree& tree, void const* value, Copy copy) {
+    Node* const node = tree.AllocateNode();
+    node->m_valueOffset = tree.m_offsets.m_valueOffset;
+    copy(value, tree.Value(node));
+    return node;
+  }
+
+  template <class Copy>
+  static Node* Clone(Tree& tree, Node* x, Copy copy) {
+    Node* const node = Create(tree, tree.Value(x), copy);
+    node->m_color = x->m_color;
+    node->m_valueOffset = x->m_valueOffset;
+    node->m_left = nullptr;
+    node->m_right = nullptr;
+    return node;
+  }
+
+  /// Clones what is below `x` to below its `clone`, right subtrees first.
+  template <class Copy>
+  static void CloneChildren(Tree& tree, Node* x, Node* clone, Copy copy) {
     for (;;) {
       __builtin_prefetch(x->m_left);
+      __builtin_prefetch(x->m_right);
       if (x->m_right != nullptr) {
-        copy->m_right = CloneBelow(tree, x->m_right, copy);
-        CopyChildren(tree, x->m_right, copy->m_right);
+        clone->m_right = CloneBelow(tree, x->m_right, clone, copy);
+        CloneChildren(tree, x->m_right, clone->m_right, copy);
       }
       x = x->m_left;
       if (x == nullptr) return;
-      copy->m_left = CloneBelow(tree, x, copy);
-      copy = copy->m_left;
+      clone->m_left = CloneBelow(tree, x, clone, copy);
+      clone = clone->m_left;
     }
   }
+  /// @}
 
 private:
-  /// InsertUnique with other comparisons: a value after all others needs only one, as in ascending
-  /// insertion, and there is no walk to the predecessor, the node where the descent last went
-  /// right.
+  /// InsertUnique with other comparisons, and without the walk to the predecessor, which is the
+  /// node where the descent last went right.
   template <class Order>
   static HYLBasPairIterBoolGeneric InsertUniqueUnobserved(Tree& tree, void const* value,
                                                           Order order) {
-    Node* const last = tree.Rightmost();
-    if (tree.Root() != nullptr && order(tree.Value(last), value))
-      return {Link(tree, false, last, value), true};
-    auto const [y, j] = FindPlace(tree, value, order);
-    if (j != nullptr && !order(tree.Value(j), value)) return {j, false};
-    return {Link(tree, y != j, y, value), true};
+    int const valueOffset = tree.m_offsets.m_valueOffset;
+    Leaf const leaf = FindLeafFromEnd(tree.m_header, valueOffset, value, order);
+    if (leaf.IsAfterEquivalent(valueOffset, value, order)) return {leaf.before, false};
+    return {Link(tree, leaf.IsLeft(), leaf.parent, value), true};
   }
 
-  template <class Order>
-  static Leaf FindPlace(Tree const& tree, void const* value, Order order) {
-    return FindLeaf(tree.m_header, tree.m_nodeCount, tree.m_offsets.m_valueOffset, value, order);
-  }
-
-  /// By its address, because the side of a new node cannot be predicted.
-  static Node*& ChildField(Node* x, bool isLeft) {
-    static_assert(offsetof(Node, m_right) == offsetof(Node, m_left) + sizeof(Node*));
-    char* const left = reinterpret_cast<char*>(x) + offsetof(Node, m_left);
-    return *reinterpret_cast<Node**>(left + !isLeft * sizeof(Node*));
-  }
-
-  static Node* CloneBelow(Tree& tree, Node* x, Node* parent) {
-    Node* const clone = tree.CloneNode(x);
+  template <class Copy>
+  static Node* CloneBelow(Tree& tree, Node* x, Node* parent, Copy copy) {
+    Node* const clone = Clone(tree, x, copy);
     clone->m_parent = parent;
     return clone;
   }
