@@ -615,6 +615,30 @@ TEST(TreeGenericNodes, ServeCallersThatBuildTreesThemselves) {
   EXPECT_EQ(other.Value(static_cast<void const*>(root)), root + 1);
 }
 
+// Bushes that hang from each other's last leaves leave more nodes to be visited than any balanced
+// tree does.
+TEST(TreeGenericNodes, ClearReleasesTreesOfAnyShape) {
+  recording::Reset(nullptr, 0);
+  auto tree = TreeOf<HYLBasNodeAllocator>(0, 0);
+  std::size_t const live = recording::LiveBlocks();
+  Value const value{1, 0};
+  std::vector<Node*> leaves{tree.TreeNodeInsert(nullptr, tree.End(), &value)};
+  for (int bush = 0; bush != 200; ++bush) {
+    leaves = {leaves.back()};
+    while (leaves.size() != 256) {
+      std::vector<Node*> children;
+      for (Node* const x : leaves) {
+        children.push_back(x->m_left = tree.CloneNode(x));
+        children.push_back(x->m_right = tree.CloneNode(x));
+      }
+      leaves.swap(children);
+    }
+  }
+  EXPECT_EQ(recording::LiveBlocks(), live + 1 + 200 * 510);
+  tree.Clear();
+  EXPECT_EQ(recording::LiveBlocks(), live);
+}
+
 static_assert(sizeof(void*) != 4 || sizeof(HYLBasTreeGeneric<HYLBasNodeAllocator>) == 40);
 static_assert(sizeof(void*) != 8 || sizeof(HYLBasTreeGeneric<HYLBasNodeAllocator>) == 64);
 static_assert(sizeof(HYLBasNodeOffsets) == 8);

@@ -1,5 +1,5 @@
-// What a host's own code does first: includes everything, fills a vector, sends a type-erased one
-// through policies of the library, and hands back to the system what it took.
+// What a host's own code does first: includes everything, fills a vector and a map, sends a
+// type-erased one through policies of the library, and hands back to the system what it took.
 #include <cstdio>
 
 #include "HYLBasGenerics.h"
@@ -22,6 +22,19 @@ bool FillsATypedVector() {
                "a typed vector lost its elements");
 }
 
+bool KeepsATypedMap() {
+  HYLBasMap<int, double> map;
+  for (int i = 0; i != 100; ++i)
+    map[i] = map.Insert(-i, i)->second + 1;
+  map.InsertOver(7, 0.5);
+  bool const found = map.find(7)->second == 0.5 && map.count(8) == 1 && map.erase(8) == 1;
+  double sum = 0;
+  for (auto const& element : map)
+    sum += element.second;
+  return Check(found && map.size() == 198 && map.lower_bound(8) == map.upper_bound(7) && sum > 9000,
+               "a typed map lost its elements");
+}
+
 bool DrivesTheCoreWithAPolicy() {
   double const half = 0.5;
   HYLBasVectorGeneric halves(HYLBasGetReplicator<double>(), 3, &half);
@@ -38,7 +51,8 @@ bool CallsTheHostsMemoryLibrary() {
 } // namespace
 
 int main() {
-  if (!FillsATypedVector() || !DrivesTheCoreWithAPolicy() || !CallsTheHostsMemoryLibrary())
+  if (!FillsATypedVector() || !KeepsATypedMap() || !DrivesTheCoreWithAPolicy() ||
+      !CallsTheHostsMemoryLibrary())
     return 1;
   std::puts("consumer: all well");
   return 0;
