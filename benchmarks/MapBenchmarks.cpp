@@ -60,6 +60,19 @@ void InsertAll(M& map, Keys const& keys) {
     map.insert(typename M::value_type(key, static_cast<typename M::mapped_type>(key)));
 }
 
+// By key and value apart, the form that most callers write.
+template <class M>
+void EmplaceAll(M& map, Keys const& keys) {
+  for (int const key : keys)
+    map.emplace(key, static_cast<typename M::mapped_type>(key));
+}
+
+template <class V>
+void EmplaceAll(HYLBasMap<int, V>& map, Keys const& keys) {
+  for (int const key : keys)
+    map.Insert(key, static_cast<V>(key));
+}
+
 template <class M>
 void IndexAll(M& map, Keys const& keys) {
   for (int const key : keys)
@@ -84,6 +97,14 @@ void InsertRandom(State& state, unsigned int n) {
   Orders orders(n, 1);
   FillRepeatedly<M>(
       state, [&]() -> Keys const& { return orders.Next(); }, InsertAll<M>);
+}
+
+template <class M>
+void EmplaceRandom(State& state, unsigned int n) {
+  Orders orders(n, 1);
+  FillRepeatedly<M>(
+      state, [&]() -> Keys const& { return orders.Next(); },
+      [](M& map, Keys const& keys) { EmplaceAll(map, keys); });
 }
 
 template <class M>
@@ -208,6 +229,7 @@ void RegisterMap(std::string const& type, char const* who) {
       compare::Register(std::string("map/") + name + '/' + type, size, who, run);
   };
   all("insert random", InsertRandom<M>);
+  all("emplace random", EmplaceRandom<M>);
   all("insert ascending", InsertAscending<M>);
   all("find hit", FindHit<M>);
   compare::Register("map/find repeatedly/" + type, 100, who, FindRepeatedly<M>);
