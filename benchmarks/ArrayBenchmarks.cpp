@@ -57,6 +57,16 @@ void AllElements(std::string const& type, Shape shape) {
     });
   };
 
+  auto const changeAllPlain = [](State& state, Plain<T>& plain) {
+    for (auto _ : state) {
+      Plain<T> const a = Opaque(plain);
+      for (int i = 0; i < a.m; ++i)
+        for (int j = 0; j < a.n; ++j) {
+          T& x = a.data[order == 0 ? i * a.n + j : j * a.m + i];
+          x = 1 - x;
+        }
+    }
+  };
   add(
       "read all",
       [](State& state, Array& array) {
@@ -89,16 +99,7 @@ void AllElements(std::string const& type, Shape shape) {
               a(i, j) = 1 - a(i, j);
         }
       },
-      [](State& state, Plain<T>& plain) {
-        for (auto _ : state) {
-          Plain<T> const a = Opaque(plain);
-          for (int i = 0; i < a.m; ++i)
-            for (int j = 0; j < a.n; ++j) {
-              T& x = a.data[order == 0 ? i * a.n + j : j * a.m + i];
-              x = 1 - x;
-            }
-        }
-      });
+      changeAllPlain);
   add(
       "change all, columns outside",
       [](State& state, Array& array) {
@@ -130,16 +131,7 @@ void AllElements(std::string const& type, Shape shape) {
               a(i, j) = 1 - a(i, j);
         }
       },
-      [](State& state, Plain<T>& plain) {
-        for (auto _ : state) {
-          Plain<T> const a = Opaque(plain);
-          for (int i = 0; i < a.m; ++i)
-            for (int j = 0; j < a.n; ++j) {
-              T& x = a.data[order == 0 ? i * a.n + j : j * a.m + i];
-              x = 1 - x;
-            }
-        }
-      });
+      changeAllPlain);
 }
 
 // Whole rows or columns, each in turn, between the array and a buffer. The peer is `memcpy` for
