@@ -80,8 +80,8 @@ private:
       #__VA_ARGS__, [&]([[maybe_unused]] E* f, [[maybe_unused]] E* l) { return MODEL; },           \
       [&]([[maybe_unused]] E* f, [[maybe_unused]] E* l) { return __VA_ARGS__; })
 
-/// The steps that all families have. `tag` is a null pointer for those with type tags, `comp` the
-/// comparitor for those with one. Returns how often the loop reached its depth limit.
+/// The steps that all families have. `Tag` is the type of a null pointer for those with type tags,
+/// `comp` the comparitor for those with one. Returns how often the loop reached its depth limit.
 template <class E, class... Tag, class... Comp>
 int CompareSteps(Stage<E>& stage, std::tuple<Tag...>, Comp... comp) {
   model::PlainIntrosort<E> m{comp...};
