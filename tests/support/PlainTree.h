@@ -3,8 +3,9 @@
 /// with every call that they make. Nodes have the number of their block; sides are 0 and 1.
 #pragma once
 
+#include <array>
 #include <map>
-#include <optional>
+#include <string>
 #include <utility>
 #include <vector>
 
@@ -38,7 +39,10 @@ struct TreeMemory {
 /// Nothing is number 0, the header a number like others. The header's child 0 is the root.
 class PlainTree {
 public:
-  explicit PlainTree(TreeMemory& memory) : m_memory(&memory), header(Allocate()) {}
+  explicit PlainTree(TreeMemory& memory) : m_memory(&memory) { header = Allocate(); }
+
+  std::map<int, PlainNode> nodes;
+  int header;
 
   unsigned int Size() const { return static_cast<unsigned int>(nodes.size() - 1); }
   int Root() const { return nodes.at(header).child[0]; }
@@ -58,8 +62,6 @@ public:
     return nodes.at(x).parent;
   }
 
-  /// \name Links
-  /// @{
   void LinkLeaf(int x, int parent, int side) {
     SetChild(parent, parent == header ? 0 : side, x);
     nodes[x].isRed = true;
@@ -115,36 +117,14 @@ public:
     }
     if (x) nodes[x].isRed = false;
   }
-  /// @}
 
-  /// \name Lookup
-  /// @{
-  int LowerBound(Place key) {
-    int y = header;
-    for (int x = Root(); x;) {
-      bool const before = Before(At(x), key);
-      if (!before) y = x;
-      x = nodes[x].child[before];
-    }
-    return y;
-  }
-  int UpperBound(Place key) {
-    int y = header;
-    for (int x = Root(); x;) {
-      bool const before = Before(key, At(x));
-      if (before) y = x;
-      x = nodes[x].child[!before];
-    }
-    return y;
-  }
+  int LowerBound(Place key) { return Bound(key, false); }
+  int UpperBound(Place key) { return Bound(key, true); }
   int Find(Place key) {
     int const y = LowerBound(key);
     return y == header || Before(key, At(y)) ? header : y;
   }
-  /// @}
 
-  /// \name Insertion
-  /// @{
   std::pair<int, bool> InsertUnique(Place value) {
     auto const [y, before] = Descend(value);
     int j = y;
@@ -159,32 +139,9 @@ public:
     int const y = Descend(value).first;
     return NodeInsert(0, y, value);
   }
-  int InsertUniqueAt(int position, Place value) {
-    if (position == First()) {
-      if (Size() && Before(value, At(position))) return NodeInsert(position, position, value);
-    } else if (position == header) {
-      if (Before(At(Last()), value)) return NodeInsert(0, Last(), value);
-    } else if (int const before = Neighbour(position, 0);
-               Before(At(before), value) && Before(value, At(position))) {
-      return InsertBetween(before, position, value);
-    }
-    return InsertUnique(value).first;
-  }
-  int InsertEqualAt(int position, Place value) {
-    if (position == First()) {
-      if (Size() && !Before(At(position), value)) return NodeInsert(position, position, value);
-    } else if (position == header) {
-      if (!Before(value, At(Last()))) return NodeInsert(0, Last(), value);
-    } else if (int const before = Neighbour(position, 0);
-               !Before(value, At(before)) && !Before(At(position), value)) {
-      return InsertBetween(before, position, value);
-    }
-    return InsertEqual(value);
-  }
-  /// @}
+  int InsertUniqueAt(int position, Place value) { return InsertAt(position, value, true); }
+  int InsertEqualAt(int position, Place value) { return InsertAt(position, value, false); }
 
-  /// \name Removal
-  /// @{
   void Erase(int x) {
     Unlink(x);
     Release(x);
@@ -208,10 +165,7 @@ public:
     Clear();
     Log({'F', {header, 0}, {-1, 0}, 0});
   }
-  /// @}
 
-  /// \name Whole trees
-  /// @{
   PlainTree Copy() const {
     PlainTree copy(*m_memory);
     if (Root()) CopyBelow(Root(), copy, copy.header, 0);
@@ -233,16 +187,10 @@ public:
     }
     return b != other.header;
   }
-  /// @}
 
 private:
   TreeMemory* m_memory;
 
-public:
-  std::map<int, PlainNode> nodes;
-  int header;
-
-private:
   void Log(Event const& event) { m_memory->events.push_back(event); }
   Place At(int x) const { return {x, m_memory->valueOffset}; }
 
@@ -258,19 +206,12 @@ private:
     SetChild(p, s, y);
     SetChild(y, side, x);
   }
-  void ExchangePlaces(int z, int y) { // y is the leftmost node right of z
-    PlainNode const oldZ = nodes[z], oldY = nodes[y];
-    SetChild(oldZ.parent, SideOf(z), y);
-    SetChild(y, 0, oldZ.child[0]);
-    SetChild(z, 0, 0);
-    SetChild(z, 1, oldY.child[1]);
-    if (oldZ.child[1] == y) {
-      SetChild(y, 1, z);
-    } else {
-      SetChild(y, 1, oldZ.child[1]);
-      SetChild(oldY.parent, 0, z);
-    }
-    std::swap(nodes[z].isRed, nodes[y].isRed);
+  void ExchangePlaces(int z, int y) {
+    std::swap(nodes[z], nodes[y]);
+    std::swap(nodes[z].value, nodes[y].value);
+    for (auto& [x, node] : nodes)
+      for (int* const link : {&node.parent, &node.child[0], &node.child[1]})
+        if (*link == z || *link == y) *link = *link == z ? y : z;
   }
 
   bool Less(Place a, Value const& x, Place b, Value const& y) {
@@ -300,6 +241,28 @@ private:
     Log({'F', {x, 0}, {-1, 0}, 0});
   }
 
+  int Bound(Place key, bool isUpper) {
+    int y = header;
+    for (int x = Root(); x;) {
+      bool const goesRight = isUpper ? !Before(key, At(x)) : Before(At(x), key);
+      if (!goesRight) y = x;
+      x = nodes[x].child[goesRight];
+    }
+    return y;
+  }
+  int InsertAt(int position, Place value, bool isUnique) {
+    auto const inOrder = [&](Place a, Place b) { return isUnique ? Before(a, b) : !Before(b, a); };
+    if (position == First()) {
+      if (Size() && inOrder(value, At(position))) return NodeInsert(position, position, value);
+    } else if (position == header) {
+      if (inOrder(At(Last()), value)) return NodeInsert(0, Last(), value);
+    } else if (int const before = Neighbour(position, 0);
+               inOrder(At(before), value) && inOrder(value, At(position))) {
+      return nodes[before].child[1] ? NodeInsert(position, position, value)
+                                    : NodeInsert(0, before, value);
+    }
+    return isUnique ? InsertUnique(value).first : InsertEqual(value);
+  }
   std::pair<int, bool> Descend(Place value) {
     int y = header;
     bool before = true;
@@ -316,10 +279,6 @@ private:
     LinkLeaf(x, y, !isLeft);
     return x;
   }
-  int InsertBetween(int before, int position, Place value) {
-    return nodes[before].child[1] ? NodeInsert(position, position, value)
-                                  : NodeInsert(0, before, value);
-  }
   void CopyBelow(int x, PlainTree& copy, int parent, int side) const {
     int const top = copy.Create(At(x), nodes.at(x).value);
     copy.SetChild(parent, side, top);
@@ -329,29 +288,30 @@ private:
   }
 };
 
-/// What is different between a real node's links and its model's; empty when nothing is.
-/// `number` gives a node's number, 0 for null.
+/// Where a real tree's links differ from its model's; empty when nowhere. `number` gives a node's
+/// number, 0 for null.
 template <class Number>
 std::string Difference(PlainTree const& model, HYLBasTreeNodeGeneric* header, Number number) {
-  if (number(header) != model.header || header->m_color != e_red) return "header";
-  if (number(header->m_parent) != model.Root()) return "root";
-  if (number(header->m_left) != model.First()) return "leftmost";
-  if (number(header->m_right) != model.Last()) return "rightmost";
-  std::vector<HYLBasTreeNodeGeneric*> open;
-  if (header->m_parent != nullptr) open.push_back(header->m_parent);
+  using Node = HYLBasTreeNodeGeneric;
+  auto const links = [&](Node* x) {
+    return std::array{number(x->m_parent), number(x->m_left), number(x->m_right),
+                      int{x->m_color == e_red}};
+  };
+  if (number(header) != model.header ||
+      links(header) != std::array{model.Root(), model.First(), model.Last(), 1})
+    return "header";
   unsigned int found = 0;
-  for (; !open.empty(); ++found) {
-    HYLBasTreeNodeGeneric* const x = open.back();
+  for (std::vector<Node*> open{header->m_parent}; !open.empty();) {
+    Node* const x = open.back();
     open.pop_back();
-    std::string const name = " of node " + std::to_string(number(x));
-    auto const node = model.nodes.find(number(x));
-    if (node == model.nodes.end()) return "existence" + name;
-    if (number(x->m_parent) != node->second.parent) return "parent" + name;
-    if (number(x->m_left) != node->second.child[0]) return "left child" + name;
-    if (number(x->m_right) != node->second.child[1]) return "right child" + name;
-    if ((x->m_color == e_red) != node->second.isRed) return "colour" + name;
-    for (HYLBasTreeNodeGeneric* const child : {x->m_left, x->m_right})
-      if (child != nullptr) open.push_back(child);
+    if (x == nullptr) continue;
+    auto const place = model.nodes.find(number(x));
+    if (place == model.nodes.end()) return "unknown node " + std::to_string(number(x));
+    auto const& [parent, child, isRed, value] = place->second;
+    if (links(x) != std::array{parent, child[0], child[1], int{isRed}})
+      return "node " + std::to_string(number(x));
+    open.insert(open.end(), {x->m_left, x->m_right});
+    ++found;
   }
   return found == model.Size() ? "" : "number of nodes";
 }
