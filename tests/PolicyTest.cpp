@@ -42,15 +42,13 @@ TEST(Pair, OrdersByFirstThenSecondSigned) {
 }
 
 TEST(Comparitor, AnswersStrictlyBeforeWhateverTheContext) {
-  int const minusOne = -1, zero = 0, least = INT_MIN, greatest = INT_MAX;
+  int const ordered[] = {INT_MIN, -1, 0, INT_MAX};
   auto const before = HYLBasComparitor<int>::GetComparitor();
-  for (void const* context : {static_cast<void const*>(nullptr), static_cast<void const*>(&zero)}) {
-    EXPECT_TRUE(before(&minusOne, &zero, context));
-    EXPECT_FALSE(before(&zero, &minusOne, context));
-    EXPECT_FALSE(before(&zero, &zero, context));
-    EXPECT_TRUE(before(&least, &greatest, context));
-    EXPECT_FALSE(before(&greatest, &least, context));
-  }
+  for (int const& a : ordered)
+    for (int const& b : ordered) {
+      EXPECT_EQ(before(&a, &b, nullptr), &a < &b);
+      EXPECT_EQ(before(&a, &b, &ordered), &a < &b);
+    }
 }
 
 TEST(Comparitor, CharStarTellsWhetherStringsDiffer) {
@@ -61,17 +59,13 @@ TEST(Comparitor, CharStarTellsWhetherStringsDiffer) {
 }
 
 TEST(Comparitor, IxPassesBothContexts) {
-  static unsigned int seen[2];
   int const contexts[2] = {};
   HYLBasIxComparitor const ix{[](unsigned int a, unsigned int b, void const* c1, void const* c2) {
-                                seen[0] = a;
-                                seen[1] = b;
-                                return static_cast<int const*>(c1) + 1 == c2;
+                                return a == 7 && b == 9 && static_cast<int const*>(c1) + 1 == c2;
                               },
                               contexts, contexts + 1};
   EXPECT_TRUE(ix(7, 9));
-  EXPECT_EQ(seen[0], 7u);
-  EXPECT_EQ(seen[1], 9u);
+  EXPECT_FALSE(ix(9, 7));
 }
 
 template <class T>
@@ -85,13 +79,11 @@ void ExchangesTwo(T a, T b) {
 
 TEST(Swap, ExchangesEveryInstantiation) {
   HYLBasTreeNodeGeneric node;
-  int object = 0;
   ExchangesTwo(1u, 4294967295u);
   ExchangesTwo<HYLBasCompareFunction>(HYLBasStandardComparitor<int>, HYLBasCompareConstCharStar);
   ExchangesTwo<HYLBasTreeNodeGeneric*>(&node, nullptr);
-  ExchangesTwo<void const*>(&object, nullptr);
+  ExchangesTwo<void const*>(&node, nullptr);
   ExchangesTwo(e_red, e_black);
-
   HYLBasReplicatorGeneric a(12), b = HYLBasGetReplicator<HYLBasPair<int, int>>();
   HYLBasSwap(a, b);
   EXPECT_EQ(a.m_size, 8);
@@ -103,27 +95,22 @@ TEST(Swap, ExchangesEveryInstantiation) {
 // Copies runs of every length across the switch to a block move, disjoint and overlapping with the
 // destination before the source, against the plain meaning of a copy.
 template <class T>
-void CopiesLikeAPlainLoop(HYLBasReplicatorGeneric const& replicator) {
-  ASSERT_EQ(replicator.m_size, static_cast<int>(sizeof(T)));
+void PlainReplicator() {
+  HYLBasReplicatorGeneric const r = HYLBasGetReplicator<T>();
+  EXPECT_EQ(r.m_copy, HYLBasPODCopy<T>);
+  EXPECT_EQ(r.m_destroy, nullptr);
+  ASSERT_EQ(r.m_size, static_cast<int>(sizeof(T)));
   constexpr unsigned int slots = 40;
-  for (unsigned int count : {0u, 1u, 2u, 9u, 10u, 11u, 17u})
+  for (unsigned int count : {0u, 1u, 9u, 10u, 11u, 17u})
     for (unsigned int shift : {1u, 3u, 20u}) {
       alignas(16) unsigned char bytes[slots * sizeof(T)];
       for (unsigned int i = 0; i != sizeof bytes; ++i)
         bytes[i] = static_cast<unsigned char>(i * 37);
       std::vector<unsigned char> expected(bytes, bytes + sizeof bytes);
       std::memmove(&expected[0], &expected[shift * sizeof(T)], count * sizeof(T));
-      replicator.m_copy(bytes + shift * sizeof(T), bytes, count);
+      r.m_copy(bytes + shift * sizeof(T), bytes, count);
       EXPECT_EQ(std::memcmp(bytes, expected.data(), sizeof bytes), 0) << count << ' ' << shift;
     }
-}
-
-template <class T>
-void PlainReplicator() {
-  HYLBasReplicatorGeneric const r = HYLBasGetReplicator<T>();
-  EXPECT_EQ(r.m_copy, HYLBasPODCopy<T>);
-  EXPECT_EQ(r.m_destroy, nullptr);
-  CopiesLikeAPlainLoop<T>(r);
 }
 
 template <class V>
