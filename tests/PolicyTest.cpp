@@ -12,8 +12,6 @@
 #include "HYLBasPair.h"
 #include "HYLBasReplicator.h"
 #include "HYLBasSwap.h"
-#include "HYLBasTreeNodeGeneric.h"
-#include "HYLBasVector.h"
 
 namespace {
 
@@ -68,28 +66,15 @@ TEST(Comparitor, IxPassesBothContexts) {
   EXPECT_FALSE(ix(9, 7));
 }
 
-template <class T>
-void ExchangesTwo(T a, T b) {
-  T x = a, y = b;
-  HYLBasSwap(x, y);
-  EXPECT_TRUE(x == b && y == a);
-  HYLBasSwap(x, x);
-  EXPECT_TRUE(x == b);
-}
-
-TEST(Swap, ExchangesEveryInstantiation) {
-  HYLBasTreeNodeGeneric node;
-  ExchangesTwo(1u, 4294967295u);
-  ExchangesTwo<HYLBasCompareFunction>(HYLBasStandardComparitor<int>, HYLBasCompareConstCharStar);
-  ExchangesTwo<HYLBasTreeNodeGeneric*>(&node, nullptr);
-  ExchangesTwo<void const*>(&node, nullptr);
-  ExchangesTwo(e_red, e_black);
+TEST(Swap, ExchangesAlsoAnObjectWithItself) {
   HYLBasReplicatorGeneric a(12), b = HYLBasGetReplicator<HYLBasPair<int, int>>();
   HYLBasSwap(a, b);
   EXPECT_EQ(a.m_size, 8);
   EXPECT_EQ(a.m_copy, (HYLBasStandardCopy<HYLBasPair<int, int>>));
   EXPECT_EQ(a.m_destroy, (HYLBasStandardDestroy<HYLBasPair<int, int>>));
   EXPECT_TRUE(b.m_size == 12 && b.m_copy == nullptr && b.m_destroy == nullptr);
+  HYLBasSwap(a, a);
+  EXPECT_EQ(a.m_size, 8);
 }
 
 // Copies runs of every length across the switch to a block move, disjoint and overlapping with the
@@ -120,13 +105,6 @@ void PairReplicator() {
   EXPECT_EQ(r.m_size, sizeof(V) == 8 ? 16 : 8);
   EXPECT_EQ(r.m_copy, HYLBasStandardCopy<P>);
   EXPECT_EQ(r.m_destroy, HYLBasStandardDestroy<P>);
-  P const source[] = {P(-1, V(7)), P(2, V(9))};
-  alignas(P) unsigned char slots[sizeof source];
-  r.m_copy(source, slots, 2);
-  r.m_destroy(slots, 2);
-  auto const* copies = reinterpret_cast<P const*>(slots);
-  EXPECT_TRUE(copies[0].first == -1 && copies[0].second == V(7));
-  EXPECT_TRUE(copies[1].first == 2 && copies[1].second == V(9));
 }
 
 TEST(Replicator, EveryElementType) {
@@ -159,10 +137,6 @@ TEST(Replicator, ClassElementsAreConstructedAndDestroyed) {
   tracked.m_destroy(slots, 2);
   tracked.m_destroy(slots + 2 * sizeof(Tracked), 1);
   EXPECT_EQ(Tracked::Log(), "123bcd");
-
-  HYLBasVector<int> const row(3, 7);
-  HYLBasVectorGeneric rows(HYLBasGetReplicator<HYLBasVector<int>>(), 5, &row);
-  EXPECT_EQ((*static_cast<HYLBasVector<int>*>(rows.Begin()))[2], 7);
 }
 
 } // namespace

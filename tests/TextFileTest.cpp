@@ -91,9 +91,9 @@ HYLBasVector<T> VectorOf(std::vector<T> const& values) {
 }
 
 TEST_F(TextFile, WritesToTheByte) {
-  EXPECT_EQ(Written(VectorOf<int>({1, -2, 300}), "a", nullptr),
-            "%%MatrixMarket vector array integer\n% a\n3 1 3\n"
-            "         1\n        -2\n       300\n");
+  HYLBasVectorWrite(VectorOf<int>({1, -2, 300}), File("free").c_str(), "a", nullptr);
+  EXPECT_EQ(Bytes(File("free")), "%%MatrixMarket vector array integer\n% a\n3 1 3\n"
+                                 "         1\n        -2\n       300\n");
   EXPECT_EQ(Written(VectorOf<int>({INT_MIN, INT_MAX}), nullptr, "100% of %d %s"),
             "%%MatrixMarket vector array integer\n% 100% of %d %s\n2 1 2\n"
             "-2147483648\n2147483647\n");
@@ -305,13 +305,15 @@ TEST_F(TextFile, CoreFillsSlotsOfAnySize) {
         std::string text = std::string("%%MatrixMarket vector array ") +
                            (real ? "real" : "integer") + "\n0 0 " + std::to_string(count) + "\n";
         unsigned int stored = 0;
+        std::size_t filled = 0;
         for (int value = 70001; value != 70006; ++value) {
           text += std::to_string(value) + "\n";
           std::size_t const slot = stored * elementSize;
-          if (stored == count || slot + valueSize > block.size()) continue;
+          if (slot + valueSize > block.size()) continue;
           std::fill_n(block.begin() + slot, elementSize, static_cast<unsigned char>(0));
           double const asReal = value;
           std::memcpy(&block[slot], real ? static_cast<void const*>(&asReal) : &value, valueSize);
+          filled = slot + std::max(elementSize, valueSize);
           ++stored;
         }
         HYLBasVectorGeneric vector(HYLBasReplicatorGeneric(static_cast<int>(elementSize)), 0,
@@ -319,12 +321,9 @@ TEST_F(TextFile, CoreFillsSlotsOfAnySize) {
         vector.Read(FileWith(text).c_str());
         EXPECT_EQ(vector.Size(), stored);
         EXPECT_EQ(vector.Capacity(), count);
-        std::size_t const filled =
-            stored == 0 ? 0
-                        : std::max((stored - 1) * elementSize + valueSize, stored * elementSize);
-        if (filled != 0) {
-          EXPECT_EQ(std::memcmp(vector.Begin(), block.data(), filled), 0);
-        }
+        block.resize(filled);
+        auto const* const bytes = static_cast<unsigned char const*>(vector.Begin());
+        EXPECT_TRUE(std::equal(block.begin(), block.end(), bytes));
       }
 }
 
@@ -377,6 +376,9 @@ TEST_F(TextFile, ReadLeavesNothingBehindOnAnyFailedRequest) {
     EXPECT_EQ(NextDescriptor(), descriptor);
   }
   watched_memory::requestsServed = -1;
+  std::unique_ptr<HYLBasVector<int>> const vector(HYLBasVectorRead<int>(file.c_str()));
+  ASSERT_EQ(vector->size(), 2u);
+  EXPECT_EQ(vector->back(), 6);
 }
 
 TEST_F(TextFile, ReadGivesAnEmptyVectorWhenItFails) {
@@ -385,29 +387,6 @@ TEST_F(TextFile, ReadGivesAnEmptyVectorWhenItFails) {
       HYLBasVectorRead<double>(File("none").c_str()));
   EXPECT_NE(testing::internal::GetCapturedStderr(), "");
   EXPECT_TRUE(vector->empty() && vector->capacity() == 0);
-}
-
-template <class T>
-void ComesBack(std::vector<T> const& values, std::string const& file) {
-  HYLBasVectorWrite(VectorOf(values), file.c_str(), "first", "second");
-  std::unique_ptr<HYLBasVector<T>> const back(HYLBasVectorRead<T>(file.c_str()));
-  ASSERT_EQ(back->size(), values.size());
-  EXPECT_EQ(back->capacity(), values.size());
-  // Half a unit of a real value's sixth digit, or of the last bit where that is coarser.
-  for (unsigned int i = 0; i != back->size(); ++i)
-    ASSERT_NEAR((*back)[i], values[i],
-                std::is_integral_v<T> ? 0 : 0.5e-6 + std::abs(values[i]) * DBL_EPSILON);
-}
-
-TEST_F(TextFile, ValuesComeBack) {
-  std::mt19937 random(20);
-  std::vector<int> integers(5000);
-  std::vector<double> reals(5000);
-  std::generate(integers.begin(), integers.end(), [&] { return static_cast<int>(random()); });
-  for (std::size_t i = 0; i != reals.size(); ++i)
-    reals[i] = std::ldexp(integers[i], static_cast<int>(random() % 120) - 60);
-  ComesBack(integers, File("integers"));
-  ComesBack(reals, File("reals"));
 }
 
 // Where no such locale is installed, compiles one into the folder.
