@@ -8,10 +8,12 @@
 #include <gtest/gtest.h>
 
 #include "HYLBasAllocationOperators.h"
+#include "HYLBasGenericsAllocator.h"
 #include "HYLBasGenericsLib.h"
 #include "HYLBasMicroAllocator.h"
 #include "HYLBasNodeAllocator.h"
 #include "HYLBasNodeTrackingAllocator.h"
+#include "HYLBasSmallNodeTrackingAllocator.h"
 #include "HYLBasVectorAllocator.h"
 #include "HYLBasVectorTrackingAllocator.h"
 #include "LUXCORE.h"
@@ -159,6 +161,9 @@ TEST(HostReplacement, PoliciesCallTheMemoryLibrary) {
   HYLBasNodeTrackingAllocator::deallocate(HYLBasNodeTrackingAllocator::allocate(-5), 99);
   EXPECT_EQ(Recorded(), "Pool::Alloc(3) Pool::Free Pool::Alloc(4) Pool::Free "
                         "Map Pool::Alloc(4294967291) Pool::Free ");
+  EXPECT_EQ(HYLBasNodeTrackingAllocator::m_pool, &TestPool<HYLBasMemPoolMap>());
+  EXPECT_EQ(HYLBasSmallNodeTrackingAllocator::m_pool, nullptr);
+  static_assert(sizeof(HYLBasGenericsAllocator) == 1);
 
   EXPECT_EQ(vectors.MemoryCurrent(), 11u);
   EXPECT_EQ(vectors.MemoryPeak(), 12u);
@@ -184,20 +189,28 @@ TEST(HostReplacement, OperatorsCallTheMemoryLibraryWithSizesThatFit32Bits) {
   }
 }
 
-TEST(HostReplacement, MissingVectorPoolIsReportedAndThrown) {
-  HYLBasMemPoolVector* const kept = HYLBasVectorTrackingAllocator::m_pool;
-  poolIsThere = false;
+void ReportsAndThrows(void (*function)(), std::string const& text) {
   testing::internal::CaptureStderr();
   std::string thrown;
   try {
-    HYLBasVectorTrackingAllocator::Initialize();
-  } catch (char const* text) {
-    thrown = text;
+    function();
+  } catch (char const* message) {
+    thrown = message;
   }
-  EXPECT_EQ(thrown, "Initialization of HYLBasVectorTrackingAllocator failed");
-  EXPECT_EQ(testing::internal::GetCapturedStderr(), "*** Error: " + thrown + ".\n");
+  EXPECT_EQ(thrown, text);
+  EXPECT_EQ(testing::internal::GetCapturedStderr(), "*** Error: " + text + ".\n");
+}
+
+TEST(HostReplacement, MissingVectorPoolIsReportedAndThrown) {
+  HYLBasMemPoolVector* const kept = HYLBasVectorTrackingAllocator::m_pool;
+  HYLBasVectorTrackingAllocator::Verify();
+  poolIsThere = false;
+  ReportsAndThrows(HYLBasVectorTrackingAllocator::Initialize,
+                   "Initialization of HYLBasVectorTrackingAllocator failed");
   EXPECT_EQ(HYLBasVectorTrackingAllocator::m_pool, nullptr);
   EXPECT_EQ(Recorded(), "Vector ");
+  ReportsAndThrows(HYLBasVectorTrackingAllocator::Verify,
+                   "HYLBasVectorTrackingAllocator is used before it is initialized");
   poolIsThere = true;
   HYLBasVectorTrackingAllocator::m_pool = kept;
 }

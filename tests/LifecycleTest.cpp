@@ -8,6 +8,8 @@
 
 namespace {
 
+using EntryPoint = void (*)(int&);
+
 // The library, its generics module, its specific layer, and the memory library.
 constexpr int allLayers = 4;
 
@@ -29,7 +31,6 @@ int LibraryCount() {
 TEST(Lifecycle, LoadingInitializesOnce) { EXPECT_EQ(LibraryCount(), 1); }
 
 TEST(Lifecycle, EveryPairOfEntryPointsBalancesAndLeavesTheTallyOfAStartedLibraryAlone) {
-  using EntryPoint = void (*)(int&);
   struct {
     EntryPoint initialize, finalize;
     int libraryCount; // while initialised
@@ -56,7 +57,6 @@ TEST(Lifecycle, EveryPairOfEntryPointsBalancesAndLeavesTheTallyOfAStartedLibrary
 }
 
 TEST(Lifecycle, SingleLayersCountApartFromTheLibrary) {
-  using EntryPoint = void (*)(int&);
   EntryPoint const pairs[][2] = {
       {HYLBasGenericsLib_specific_initialize, HYLBasGenericsLib_specific_finalize},
       {HYLBasGenerics_initialize, HYLBasGenerics_finalize},
@@ -86,19 +86,6 @@ TEST(Lifecycle, SingleLayersCountApartFromTheLibrary) {
     HYLBasGenericsLib_initialize(libraryTally);
     EXPECT_EQ(libraryTally, 0);
   }
-}
-
-TEST(Lifecycle, UnmangledEntryPointsStartAndStopTheLibraryToo) {
-  int tally = 0;
-  HYLBasGenericsLib_finalize(tally);
-  EXPECT_EQ(tally, -allLayers);
-  HYLBasGenericsLib_initializeC();
-  HYLBasGenericsLib_initialize(tally);
-  HYLBasGenericsLib_finalize(tally);
-  EXPECT_EQ(tally, -allLayers) << "started by the unmangled entry point";
-  HYLBasGenericsLib_finalizeC();
-  HYLBasGenericsLib_initialize(tally);
-  EXPECT_EQ(tally, 0) << "stopped by the unmangled entry point";
 }
 
 TEST(Lifecycle, GenericsModulePreparesTheVectorTrackingAllocator) {

@@ -31,43 +31,36 @@ Function* Find(void* library, char const* name) {
 
 using EntryPoint = void(int&);
 
-// What a start and the matching stop add to a tally: 1 and then -1 for a layer that nobody holds.
-struct Steps {
-  int started = 0, stopped = 0;
-};
-
-Steps StartAndStop(EntryPoint* initialize, EntryPoint* finalize) {
+// What a start adds to a tally, and the stop after it takes away: 1 for a layer that nobody holds.
+int StartAndStop(EntryPoint* initialize, EntryPoint* finalize) {
   int tally = 0;
   initialize(tally);
-  Steps steps{tally, 0};
+  int const started = tally;
   finalize(tally);
-  steps.stopped = tally - steps.started;
-  return steps;
+  Expect("tally of a start and a stop", tally, 0);
+  return started;
 }
 
 void ExpectLoadStartsOnceAndUnloadStopsOnce(char const* libraryFile, EntryPoint* allocInitialize,
                                             EntryPoint* allocFinalize) {
-  Expect("memory library before load", StartAndStop(allocInitialize, allocFinalize).started, 1);
+  Expect("memory library before load", StartAndStop(allocInitialize, allocFinalize), 1);
 
   void* const library = Load(libraryFile);
   auto* const initialize = Find<EntryPoint>(library, "_Z28HYLBasGenericsLib_initializeRi");
   auto* const finalize = Find<EntryPoint>(library, "_Z26HYLBasGenericsLib_finalizeRi");
-  Expect("memory library while loaded", StartAndStop(allocInitialize, allocFinalize).started, 0);
-  Expect("start of the loaded library", StartAndStop(initialize, finalize).started, 0);
-  Expect("stop of the loaded library", StartAndStop(initialize, finalize).stopped, 0);
+  Expect("memory library while loaded", StartAndStop(allocInitialize, allocFinalize), 0);
+  Expect("loaded library", StartAndStop(initialize, finalize), 0);
 
   int tally = 0;
   finalize(tally);
   Expect("undoing the one start by load", tally, -4);
-  Expect("memory library after that", StartAndStop(allocInitialize, allocFinalize).started, 1);
+  Expect("memory library after that", StartAndStop(allocInitialize, allocFinalize), 1);
   initialize(tally);
   Expect("and doing it again", tally, 0);
 
   Expect("unload", dlclose(library), 0);
   Expect("left in memory", dlopen(libraryFile, RTLD_NOW | RTLD_NOLOAD) != nullptr, 0);
-  Steps const after = StartAndStop(allocInitialize, allocFinalize);
-  Expect("start of the memory library after unload", after.started, 1);
-  Expect("stop of the memory library after unload", after.stopped, -1);
+  Expect("memory library after unload", StartAndStop(allocInitialize, allocFinalize), 1);
 }
 
 } // namespace

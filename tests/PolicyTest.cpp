@@ -12,8 +12,6 @@
 #include "HYLBasPair.h"
 #include "HYLBasReplicator.h"
 #include "HYLBasSwap.h"
-#include "HYLBasTreeNodeGeneric.h"
-#include "HYLBasVector.h"
 
 namespace {
 
@@ -42,15 +40,13 @@ TEST(Pair, OrdersByFirstThenSecondSigned) {
 }
 
 TEST(Comparitor, AnswersStrictlyBeforeWhateverTheContext) {
-  int const minusOne = -1, zero = 0, least = INT_MIN, greatest = INT_MAX;
+  int const ordered[] = {INT_MIN, -1, 0, INT_MAX};
   auto const before = HYLBasComparitor<int>::GetComparitor();
-  for (void const* context : {static_cast<void const*>(nullptr), static_cast<void const*>(&zero)}) {
-    EXPECT_TRUE(before(&minusOne, &zero, context));
-    EXPECT_FALSE(before(&zero, &minusOne, context));
-    EXPECT_FALSE(before(&zero, &zero, context));
-    EXPECT_TRUE(before(&least, &greatest, context));
-    EXPECT_FALSE(before(&greatest, &least, context));
-  }
+  for (int const& a : ordered)
+    for (int const& b : ordered) {
+      EXPECT_EQ(before(&a, &b, nullptr), &a < &b);
+      EXPECT_EQ(before(&a, &b, &ordered), &a < &b);
+    }
 }
 
 TEST(Comparitor, CharStarTellsWhetherStringsDiffer) {
@@ -61,69 +57,45 @@ TEST(Comparitor, CharStarTellsWhetherStringsDiffer) {
 }
 
 TEST(Comparitor, IxPassesBothContexts) {
-  static unsigned int seen[2];
   int const contexts[2] = {};
   HYLBasIxComparitor const ix{[](unsigned int a, unsigned int b, void const* c1, void const* c2) {
-                                seen[0] = a;
-                                seen[1] = b;
-                                return static_cast<int const*>(c1) + 1 == c2;
+                                return a == 7 && b == 9 && static_cast<int const*>(c1) + 1 == c2;
                               },
                               contexts, contexts + 1};
   EXPECT_TRUE(ix(7, 9));
-  EXPECT_EQ(seen[0], 7u);
-  EXPECT_EQ(seen[1], 9u);
+  EXPECT_FALSE(ix(9, 7));
 }
 
-template <class T>
-void ExchangesTwo(T a, T b) {
-  T x = a, y = b;
-  HYLBasSwap(x, y);
-  EXPECT_TRUE(x == b && y == a);
-  HYLBasSwap(x, x);
-  EXPECT_TRUE(x == b);
-}
-
-TEST(Swap, ExchangesEveryInstantiation) {
-  HYLBasTreeNodeGeneric node;
-  int object = 0;
-  ExchangesTwo(1u, 4294967295u);
-  ExchangesTwo<HYLBasCompareFunction>(HYLBasStandardComparitor<int>, HYLBasCompareConstCharStar);
-  ExchangesTwo<HYLBasTreeNodeGeneric*>(&node, nullptr);
-  ExchangesTwo<void const*>(&object, nullptr);
-  ExchangesTwo(e_red, e_black);
-
+TEST(Swap, ExchangesAlsoAnObjectWithItself) {
   HYLBasReplicatorGeneric a(12), b = HYLBasGetReplicator<HYLBasPair<int, int>>();
   HYLBasSwap(a, b);
   EXPECT_EQ(a.m_size, 8);
   EXPECT_EQ(a.m_copy, (HYLBasStandardCopy<HYLBasPair<int, int>>));
   EXPECT_EQ(a.m_destroy, (HYLBasStandardDestroy<HYLBasPair<int, int>>));
   EXPECT_TRUE(b.m_size == 12 && b.m_copy == nullptr && b.m_destroy == nullptr);
+  HYLBasSwap(a, a);
+  EXPECT_EQ(a.m_size, 8);
 }
 
 // Copies runs of every length across the switch to a block move, disjoint and overlapping with the
 // destination before the source, against the plain meaning of a copy.
 template <class T>
-void CopiesLikeAPlainLoop(HYLBasReplicatorGeneric const& replicator) {
-  ASSERT_EQ(replicator.m_size, static_cast<int>(sizeof(T)));
+void PlainReplicator() {
+  HYLBasReplicatorGeneric const r = HYLBasGetReplicator<T>();
+  EXPECT_EQ(r.m_copy, HYLBasPODCopy<T>);
+  EXPECT_EQ(r.m_destroy, nullptr);
+  ASSERT_EQ(r.m_size, static_cast<int>(sizeof(T)));
   constexpr unsigned int slots = 40;
-  for (unsigned int count : {0u, 1u, 2u, 9u, 10u, 11u, 17u})
+  for (unsigned int count : {0u, 1u, 9u, 10u, 11u, 17u})
     for (unsigned int shift : {1u, 3u, 20u}) {
       alignas(16) unsigned char bytes[slots * sizeof(T)];
       for (unsigned int i = 0; i != sizeof bytes; ++i)
         bytes[i] = static_cast<unsigned char>(i * 37);
       std::vector<unsigned char> expected(bytes, bytes + sizeof bytes);
       std::memmove(&expected[0], &expected[shift * sizeof(T)], count * sizeof(T));
-      replicator.m_copy(bytes + shift * sizeof(T), bytes, count);
+      r.m_copy(bytes + shift * sizeof(T), bytes, count);
       EXPECT_EQ(std::memcmp(bytes, expected.data(), sizeof bytes), 0) << count << ' ' << shift;
     }
-}
-
-template <class T>
-void PlainReplicator() {
-  HYLBasReplicatorGeneric const r = HYLBasGetReplicator<T>();
-  EXPECT_EQ(r.m_copy, HYLBasPODCopy<T>);
-  EXPECT_EQ(r.m_destroy, nullptr);
-  CopiesLikeAPlainLoop<T>(r);
 }
 
 template <class V>
@@ -133,13 +105,6 @@ void PairReplicator() {
   EXPECT_EQ(r.m_size, sizeof(V) == 8 ? 16 : 8);
   EXPECT_EQ(r.m_copy, HYLBasStandardCopy<P>);
   EXPECT_EQ(r.m_destroy, HYLBasStandardDestroy<P>);
-  P const source[] = {P(-1, V(7)), P(2, V(9))};
-  alignas(P) unsigned char slots[sizeof source];
-  r.m_copy(source, slots, 2);
-  r.m_destroy(slots, 2);
-  auto const* copies = reinterpret_cast<P const*>(slots);
-  EXPECT_TRUE(copies[0].first == -1 && copies[0].second == V(7));
-  EXPECT_TRUE(copies[1].first == 2 && copies[1].second == V(9));
 }
 
 TEST(Replicator, EveryElementType) {
@@ -172,10 +137,6 @@ TEST(Replicator, ClassElementsAreConstructedAndDestroyed) {
   tracked.m_destroy(slots, 2);
   tracked.m_destroy(slots + 2 * sizeof(Tracked), 1);
   EXPECT_EQ(Tracked::Log(), "123bcd");
-
-  HYLBasVector<int> const row(3, 7);
-  HYLBasVectorGeneric rows(HYLBasGetReplicator<HYLBasVector<int>>(), 5, &row);
-  EXPECT_EQ((*static_cast<HYLBasVector<int>*>(rows.Begin()))[2], 7);
 }
 
 } // namespace

@@ -8,6 +8,7 @@
 //   TYPE block BYTES size N capacity N values V...   what HYLBasVector<TYPE> reads (a value may be
 //                                                    given as bits:HEX); BYTES 0 for no block
 //   stderr TEXT                                      the report; {file} is the file's name
+#include <algorithm>
 #include <bit>
 #include <cfloat>
 #include <climits>
@@ -19,6 +20,7 @@
 #include <filesystem>
 #include <fstream>
 #include <iterator>
+#include <map>
 #include <memory>
 #include <new>
 #include <random>
@@ -88,29 +90,23 @@ HYLBasVector<T> VectorOf(std::vector<T> const& values) {
   return HYLBasVector<T>(values.data(), values.data() + values.size());
 }
 
-TEST_F(TextFile, WritesIntegersToTheByte) {
-  EXPECT_EQ(Written(VectorOf<int>({1, -2, 300}), "a", nullptr),
-            "%%MatrixMarket vector array integer\n% a\n3 1 3\n"
-            "         1\n        -2\n       300\n");
-  EXPECT_EQ(Written(VectorOf<int>({INT_MIN, INT_MAX, 0}), nullptr, "100% of %d %s"),
-            "%%MatrixMarket vector array integer\n% 100% of %d %s\n3 1 3\n"
-            "-2147483648\n2147483647\n         0\n");
+TEST_F(TextFile, WritesToTheByte) {
+  HYLBasVectorWrite(VectorOf<int>({1, -2, 300}), File("free").c_str(), "a", nullptr);
+  EXPECT_EQ(Bytes(File("free")), "%%MatrixMarket vector array integer\n% a\n3 1 3\n"
+                                 "         1\n        -2\n       300\n");
+  EXPECT_EQ(Written(VectorOf<int>({INT_MIN, INT_MAX}), nullptr, "100% of %d %s"),
+            "%%MatrixMarket vector array integer\n% 100% of %d %s\n2 1 2\n"
+            "-2147483648\n2147483647\n");
   EXPECT_EQ(Written(HYLBasVector<int>(), "", "two\nlines"),
             "%%MatrixMarket vector array integer\n% \n% two\nlines\n0 1 0\n");
-}
-
-TEST_F(TextFile, WritesRealsToTheByte) {
-  EXPECT_EQ(Written(VectorOf<double>({3.25, 1.0e-7, 1500000, -0.0, 0.5e-6, 1.5e-6, 123.4567895}),
+  EXPECT_EQ(Written(VectorOf<double>({3.25, 1.0e-7, 1500000, -0.0, 0.5e-6, 1.5e-6, 123.4567895,
+                                      INFINITY, -INFINITY, NAN}),
                     "a", "b"),
-            "%%MatrixMarket vector array real\n% a\n% b\n7 1 7\n"
+            "%%MatrixMarket vector array real\n% a\n% b\n10 1 10\n"
             "  3.250000\n  0.000000\n1500000.000000\n -0.000000\n"
-            "  0.000000\n  0.000002\n123.456789\n");
-  EXPECT_EQ(Written(VectorOf<double>({INFINITY, -INFINITY, NAN}), nullptr, nullptr),
-            "%%MatrixMarket vector array real\n3 1 3\n       inf\n      -inf\n       nan\n");
-  EXPECT_EQ(Written(HYLBasVector<double>(), nullptr, nullptr),
-            "%%MatrixMarket vector array real\n0 1 0\n");
+            "  0.000000\n  0.000002\n123.456789\n       inf\n      -inf\n       nan\n");
   std::string const largest = Written(VectorOf<double>({-DBL_MAX}), nullptr, nullptr);
-  EXPECT_EQ(largest.substr(39, 20), "-1797693134862315708");
+  EXPECT_EQ(largest.substr(0, 59), "%%MatrixMarket vector array real\n1 1 1\n-1797693134862315708");
   EXPECT_EQ(largest.size(), 39u + 1 + 309 + 7 + 1);
 }
 
@@ -137,7 +133,6 @@ TEST_F(TextFile, CoreWritesWhatTheNameSelects) {
   EXPECT_EQ(written("int"), "%%MatrixMarket vector array integer\n2 1 2\n"
                             "         7\n        -1\n         8\n         0\n");
   EXPECT_EQ(written("Int"), "%%MatrixMarket vector array Int\n2 1 2\n");
-  EXPECT_EQ(written("doubles"), "%%MatrixMarket vector array doubles\n2 1 2\n");
   EXPECT_EQ(written(""), "%%MatrixMarket vector array \n2 1 2\n");
 
   char const bytes[] = {1, 0, 0, 0, 2, 0, 0};
@@ -172,8 +167,7 @@ struct Expectation {
 };
 
 struct Case {
-  std::string verdict;
-  fs::path file;
+  std::string file;
   std::vector<Expectation> vectors;
   std::string report;
 };
@@ -190,40 +184,32 @@ std::string Unescaped(std::string const& text, std::string const& file) {
       result += static_cast<char>(std::stoi(text.substr(i + 1, 2), nullptr, 16));
       i += 2;
     } else {
-      result += c == 'n' ? '\n' : c == 'r' ? '\r' : c;
+      result += c == 'n' ? '\n' : '\r';
     }
   }
   return result;
 }
 
-Case ParseCase(std::string const& verdict, fs::path const& file) {
-  Case result{verdict, file, {}, {}};
+Case ParseCase(fs::path const& file) {
+  Case result{file.string(), {}, {}};
   std::ifstream in(fs::path(file).replace_extension(".expect"));
   for (std::string line; std::getline(in, line);) {
-    if (line.empty() || line[0] == '#') continue;
+    if (line[0] == '#') continue;
     std::istringstream words(line);
     Expectation e;
-    std::string block, size, capacity, values;
+    std::string word;
     words >> e.type;
     if (e.type == "stderr") {
-      result.report = Unescaped(line.substr(7), file.string());
-    } else if (words >> block >> e.block >> size >> e.size >> capacity >> e.capacity >> values &&
-               block == "block" && size == "size" && capacity == "capacity" && values == "values") {
+      result.report = Unescaped(line.substr(7), result.file);
+      result.vectors = {{"int"}, {"double"}};
+    } else {
+      words >> word >> e.block >> word >> e.size >> word >> e.capacity >> word;
+      EXPECT_EQ(word, "values") << file << ": cannot understand the expectation: " << line;
       e.values.assign(std::istream_iterator<std::string>(words), {});
       result.vectors.push_back(e);
-    } else {
-      ADD_FAILURE() << file << ": cannot understand the expectation: " << line;
     }
   }
   return result;
-}
-
-std::vector<Case> CasesOf(std::string const& verdict) {
-  std::vector<Case> cases;
-  for (auto const& entry :
-       fs::directory_iterator(fs::path(HYLBAS_SOURCE_DIR) / "tests/data/text" / verdict))
-    if (entry.path().extension() == ".mtx") cases.push_back(ParseCase(verdict, entry.path()));
-  return cases;
 }
 
 template <class T>
@@ -247,106 +233,61 @@ bool SameValue(T a, T b) {
 }
 
 template <class T>
-void ExpectContents(HYLBasVector<T> const& vector, Expectation const& expected) {
-  EXPECT_EQ(vector.size(), expected.size);
+void ReadsAs(Case const& c, Expectation const& expected) {
+  SCOPED_TRACE(c.file + " as " + expected.type);
+  int const descriptor = NextDescriptor();
+  watched_memory::lastBlock = nullptr;
+  watched_memory::lastRequest = 0;
+  testing::internal::CaptureStderr();
+  HYLBasVector<T> vector;
+  vector.Read(c.file.c_str());
+  EXPECT_EQ(testing::internal::GetCapturedStderr(), c.report);
+  EXPECT_EQ(watched_memory::lastRequest, expected.block);
+  EXPECT_EQ(vector.begin(), watched_memory::lastBlock);
   if (IsReal(expected.block)) {
     EXPECT_EQ(vector.capacity(), expected.capacity);
   }
+  ASSERT_EQ(vector.size(), expected.size);
   ASSERT_EQ(vector.size(), expected.values.size());
   for (unsigned int i = 0; i != vector.size(); ++i)
     EXPECT_TRUE(SameValue(vector[i], ValueOf<T>(expected.values[i])))
         << "value " << i << " is " << vector[i] << ", not " << expected.values[i];
-}
-
-// Reads the file into a vector of its own; then again while the host's memory library refuses the
-// block by an exception.
-template <class T>
-void ReadsAs(Case const& c, Expectation const& expected) {
-  SCOPED_TRACE(c.file.string() + " as " + expected.type);
-  int const descriptor = NextDescriptor();
-  {
-    watched_memory::lastBlock = nullptr;
-    watched_memory::lastRequest = 0;
-    testing::internal::CaptureStderr();
-    HYLBasVector<T> vector;
-    vector.Read(c.file.string().c_str());
-    EXPECT_EQ(testing::internal::GetCapturedStderr(), c.report);
-    EXPECT_EQ(watched_memory::lastRequest, expected.block);
-    EXPECT_EQ(vector.begin(), watched_memory::lastBlock);
-    ExpectContents(vector, expected);
-  }
-  EXPECT_EQ(watched_memory::liveBlocks, 0);
-  if (expected.block != 0) {
-    HYLBasVector<T> vector;
-    watched_memory::requestsServed = 0;
-    EXPECT_THROW(vector.Read(c.file.string().c_str()), std::bad_alloc);
-    watched_memory::requestsServed = -1;
-    EXPECT_TRUE(vector.begin() == nullptr && vector.end() == nullptr && vector.capacity() == 0);
-  }
   EXPECT_EQ(NextDescriptor(), descriptor);
 }
 
-void Check(Case const& c) {
-  for (Expectation const& expected : c.vectors) {
-    if (expected.type == "int")
-      ReadsAs<int>(c, expected);
-    else if (expected.type == "unsigned")
-      ReadsAs<unsigned int>(c, expected);
-    else if (expected.type == "float")
-      ReadsAs<float>(c, expected);
-    else if (expected.type == "double")
-      ReadsAs<double>(c, expected);
-    else if (expected.type == "longlong")
-      ReadsAs<long long>(c, expected);
-    else if (expected.type == "ulonglong")
-      ReadsAs<unsigned long long>(c, expected);
-    else
-      ADD_FAILURE() << c.file << ": no type " << expected.type;
-  }
-}
-
-TEST_F(TextFile, AcceptsFilesInTheFormat) {
-  std::vector<Case> const cases = CasesOf("accepted");
-  ASSERT_GE(cases.size(), 10u);
-  for (Case const& c : cases) {
+TEST_F(TextFile, JudgesFilesAsExpected) {
+  std::map<std::string, void (*)(Case const&, Expectation const&)> const readers = {
+      {"int", ReadsAs<int>},
+      {"unsigned", ReadsAs<unsigned int>},
+      {"float", ReadsAs<float>},
+      {"double", ReadsAs<double>},
+      {"longlong", ReadsAs<long long>},
+      {"ulonglong", ReadsAs<unsigned long long>}};
+  std::map<std::string, int> files;
+  for (auto const& entry :
+       fs::recursive_directory_iterator(fs::path(HYLBAS_SOURCE_DIR) / "tests/data/text")) {
+    if (entry.path().extension() != ".mtx") continue;
+    std::string const verdict = entry.path().parent_path().filename().string();
+    ++files[verdict];
+    Case const c = ParseCase(entry.path());
     ASSERT_FALSE(c.vectors.empty()) << c.file;
-    EXPECT_EQ(c.report, "") << c.file;
-    for (Expectation const& expected : c.vectors)
-      EXPECT_EQ(expected.size, expected.capacity) << c.file;
-    Check(c);
+    EXPECT_EQ(c.report.empty(), verdict != "refused") << c.file;
+    for (Expectation const& expected : c.vectors) {
+      EXPECT_TRUE(verdict != "accepted" || expected.size == expected.capacity) << c.file;
+      readers.at(expected.type)(c, expected);
+    }
   }
-}
-
-TEST_F(TextFile, ToleratesWhatItCanSkip) {
-  std::vector<Case> const cases = CasesOf("tolerated");
-  ASSERT_GE(cases.size(), 30u);
-  for (Case const& c : cases) {
-    ASSERT_FALSE(c.vectors.empty()) << c.file;
-    EXPECT_EQ(c.report, "") << c.file;
-    Check(c);
-  }
-}
-
-TEST_F(TextFile, RefusesFilesWithoutASizeLine) {
-  std::vector<Case> const cases = CasesOf("refused");
-  ASSERT_GE(cases.size(), 10u);
-  for (Case const& c : cases) {
-    ASSERT_NE(c.report, "") << c.file;
-    ReadsAs<int>(c, Expectation{"int"});
-    ReadsAs<double>(c, Expectation{"double"});
-  }
+  EXPECT_TRUE(files["accepted"] >= 10 && files["tolerated"] >= 30 && files["refused"] >= 10);
 }
 
 TEST_F(TextFile, RefusesWhatIsNoFile) {
-  std::string const missing = File("missing.mtx");
+  std::string const missing = File("missing.mtx"), folder = m_folder.string();
   std::string const noAccess = "*** Error: cannot open file " + missing + ": ";
-  ReadsAs<double>({"refused", missing, {}, noAccess + std::strerror(ENOENT) + "\n"}, {"double"});
+  ReadsAs<double>({missing, {}, noAccess + std::strerror(ENOENT) + "\n"}, {"double"});
   // A directory opens and then yields no line.
-  ReadsAs<int>({"refused",
-                m_folder,
-                {},
-                "*** Error: dimensions line in file " + m_folder.string() + " is incorrect:\n    "},
-               {"int"});
+  ReadsAs<int>(
+      {folder, {}, "*** Error: dimensions line in file " + folder + " is incorrect:\n    "},
+      {"int"});
 }
 
 // --- Reading beyond the typed vectors
@@ -364,13 +305,15 @@ TEST_F(TextFile, CoreFillsSlotsOfAnySize) {
         std::string text = std::string("%%MatrixMarket vector array ") +
                            (real ? "real" : "integer") + "\n0 0 " + std::to_string(count) + "\n";
         unsigned int stored = 0;
+        std::size_t filled = 0;
         for (int value = 70001; value != 70006; ++value) {
           text += std::to_string(value) + "\n";
           std::size_t const slot = stored * elementSize;
-          if (stored == count || slot + valueSize > block.size()) continue;
+          if (slot + valueSize > block.size()) continue;
           std::fill_n(block.begin() + slot, elementSize, static_cast<unsigned char>(0));
           double const asReal = value;
           std::memcpy(&block[slot], real ? static_cast<void const*>(&asReal) : &value, valueSize);
+          filled = slot + std::max(elementSize, valueSize);
           ++stored;
         }
         HYLBasVectorGeneric vector(HYLBasReplicatorGeneric(static_cast<int>(elementSize)), 0,
@@ -378,29 +321,24 @@ TEST_F(TextFile, CoreFillsSlotsOfAnySize) {
         vector.Read(FileWith(text).c_str());
         EXPECT_EQ(vector.Size(), stored);
         EXPECT_EQ(vector.Capacity(), count);
-        std::size_t const filled =
-            stored == 0 ? 0
-                        : std::max((stored - 1) * elementSize + valueSize, stored * elementSize);
-        if (filled != 0) {
-          EXPECT_EQ(std::memcmp(vector.Begin(), block.data(), filled), 0);
-        }
+        block.resize(filled);
+        auto const* const bytes = static_cast<unsigned char const*>(vector.Begin());
+        EXPECT_TRUE(std::equal(block.begin(), block.end(), bytes));
       }
 }
 
-// The block's size is cut to 32 bits; what is left may hold a part of an element at its end.
-TEST_F(TextFile, CapacityIsWhatTheBlockHolds) {
-  std::string const file = FileWith("%%MatrixMarket vector array integer\n0 0 -1\n1\n2\n");
-  for (unsigned int const elementSize : {3u, 12u, 100u, 4096u}) {
-    unsigned int const bytes = 0u - elementSize;
-    HYLBasVectorGeneric vector(HYLBasReplicatorGeneric(static_cast<int>(elementSize)), 0, nullptr);
-    vector.Read(file.c_str());
-    EXPECT_EQ(watched_memory::lastRequest, bytes);
-    EXPECT_EQ(vector.Size(), 2u);
-    if (IsReal(bytes)) {
-      EXPECT_EQ(vector.Capacity(), bytes / elementSize);
-    }
-  }
-  // 859 times 5000001 bytes leave 33563 over 2 to the power 32: less than one element.
+// The block's size is cut to 32 bits; what is left may hold a part of an element at its end, which
+// is nobody's.
+TEST_F(TextFile, NothingUsesTheRestOfABlock) {
+  HYLBasVectorGeneric vector(HYLBasReplicatorGeneric(5), 0, nullptr);
+  vector.Read(FileWith("%%MatrixMarket vector array integer\n0 0 858993461\n7\n8\n").c_str());
+  EXPECT_EQ(watched_memory::lastRequest, 9u);
+  EXPECT_EQ(vector.Size(), 1u);
+  EXPECT_EQ(vector.Capacity(), 1u);
+  vector.PushBack("abcd");
+  EXPECT_EQ(watched_memory::lastRequest, 20u); // a block of its own growth
+
+  // 859 times 5000001 bytes leave 33563: less than one element.
   watched_memory::lastRequest = 0;
   HYLBasVectorGeneric none(HYLBasReplicatorGeneric(5000001), 0, nullptr);
   none.Read(FileWith("0 0 859\n1\n").c_str());
@@ -408,55 +346,39 @@ TEST_F(TextFile, CapacityIsWhatTheBlockHolds) {
   EXPECT_TRUE(none.Begin() == nullptr && none.End() == nullptr && none.Capacity() == 0);
 }
 
-// A part of an element at the end of the block is nobody's: 858993461 times 5 bytes leave 9.
-TEST_F(TextFile, NothingUsesTheRestOfABlock) {
-  HYLBasReplicatorGeneric::CopyFunction const copy = [](void const* from, void* to,
-                                                        unsigned int count) {
-    std::memmove(to, from, std::size_t{5} * count);
-  };
-  HYLBasVectorGeneric vector(HYLBasReplicatorGeneric(5, copy, nullptr), 0, nullptr);
-  vector.Read(FileWith("%%MatrixMarket vector array integer\n0 0 858993461\n7\n8\n").c_str());
-  EXPECT_EQ(watched_memory::lastRequest, 9u);
-  EXPECT_EQ(vector.Size(), 1u);
-  EXPECT_EQ(vector.Capacity(), 1u);
-  vector.PushBack("abcd");
-  EXPECT_EQ(watched_memory::lastRequest, 20u); // a block of its own growth
-}
-
-// A block that the vector held is neither used nor given back.
+// A block that the vector held is neither used nor given back, also when the read fails.
 TEST_F(TextFile, ReadForgetsABlock) {
-  std::string const empty = FileWith("0 1 0\n");
+  std::string const text = FileWith("1 1 1\n5\n");
   testing::internal::CaptureStderr();
-  for (std::string const& file : {empty, File("missing")}) {
+  for (std::string const& file : {text, File("missing")}) {
     HYLBasVector<int> vector(3);
-    void* const block = vector.begin();
-    vector.Read(file.c_str());
+    int* const block = vector.begin();
+    watched_memory::requestsServed = 0;
+    if (file == text)
+      EXPECT_THROW(vector.Read(file.c_str()), std::bad_alloc);
+    else
+      vector.Read(file.c_str());
+    watched_memory::requestsServed = -1;
     EXPECT_TRUE(vector.begin() == nullptr && vector.end() == nullptr && vector.capacity() == 0);
     mem_Free(block);
   }
   testing::internal::GetCapturedStderr();
 }
 
-// Whichever request fails, nothing is left behind.
+// The vector object and its block.
 TEST_F(TextFile, ReadLeavesNothingBehindOnAnyFailedRequest) {
   std::string const file = FileWith("%%MatrixMarket vector array integer\n2 1 2\n5\n6\n");
   int const descriptor = NextDescriptor();
-  int failures = 0;
-  for (int served = 0;; ++served) {
+  for (int const served : {0, 1}) {
     watched_memory::requestsServed = served;
-    try {
-      std::unique_ptr<HYLBasVector<int>> const vector(HYLBasVectorRead<int>(file.c_str()));
-      watched_memory::requestsServed = -1;
-      ASSERT_EQ(vector->size(), 2u);
-      EXPECT_EQ(vector->back(), 6);
-      break;
-    } catch (std::bad_alloc const&) {
-      ++failures;
-      EXPECT_EQ(watched_memory::liveBlocks, 0);
-      EXPECT_EQ(NextDescriptor(), descriptor);
-    }
+    EXPECT_THROW(HYLBasVectorRead<int>(file.c_str()), std::bad_alloc);
+    EXPECT_EQ(watched_memory::liveBlocks, 0);
+    EXPECT_EQ(NextDescriptor(), descriptor);
   }
-  EXPECT_EQ(failures, 2); // the vector object and its block
+  watched_memory::requestsServed = -1;
+  std::unique_ptr<HYLBasVector<int>> const vector(HYLBasVectorRead<int>(file.c_str()));
+  ASSERT_EQ(vector->size(), 2u);
+  EXPECT_EQ(vector->back(), 6);
 }
 
 TEST_F(TextFile, ReadGivesAnEmptyVectorWhenItFails) {
@@ -467,57 +389,23 @@ TEST_F(TextFile, ReadGivesAnEmptyVectorWhenItFails) {
   EXPECT_TRUE(vector->empty() && vector->capacity() == 0);
 }
 
-// --- There and back
-
-template <class T>
-void ComesBack(std::vector<T> const& values, std::string const& file) {
-  HYLBasVectorWrite(VectorOf(values), file.c_str(), "first", "second");
-  std::unique_ptr<HYLBasVector<T>> const back(HYLBasVectorRead<T>(file.c_str()));
-  ASSERT_EQ(back->size(), values.size());
-  EXPECT_EQ(back->capacity(), values.size());
-  for (unsigned int i = 0; i != back->size(); ++i)
-    if constexpr (std::is_integral_v<T>) {
-      ASSERT_EQ((*back)[i], values[i]);
-    } else {
-      // Half a unit of the sixth digit, or of the last bit where that is coarser.
-      ASSERT_NEAR((*back)[i], values[i], 0.5e-6 + std::abs(values[i]) * DBL_EPSILON);
-    }
-}
-
-TEST_F(TextFile, ValuesComeBack) {
-  std::mt19937 random(20);
-  std::vector<int> integers;
-  std::vector<double> reals;
-  for (int i = 0; i != 5000; ++i) {
-    integers.push_back(static_cast<int>(random()));
-    reals.push_back(std::ldexp(static_cast<int>(random()), static_cast<int>(random() % 120) - 60));
-  }
-  ComesBack(integers, File("integers"));
-  ComesBack(reals, File("reals"));
-  ComesBack(std::vector<int>(), File("none"));
-  ComesBack(std::vector<double>(), File("none"));
-}
-
-bool SetDecimalComma() {
-  for (char const* name : {"de_DE.UTF-8", "de_DE", "fr_FR.UTF-8", "fr_FR", "German_Germany.1252"})
-    if (std::setlocale(LC_NUMERIC, name) != nullptr) break;
-  return std::strcmp(std::localeconv()->decimal_point, ",") == 0;
-}
-
-// Compiles a locale with a decimal comma into the folder, where the system can do that.
-void MakeDecimalComma([[maybe_unused]] fs::path const& folder) {
+// Where no such locale is installed, compiles one into the folder.
+bool SetDecimalComma([[maybe_unused]] fs::path const& folder) {
 #if !defined(_WIN32)
-  fs::path const locale = folder / "de_DE.UTF-8";
-  if (std::system(("localedef -i de_DE -f UTF-8 '" + locale.string() + "'").c_str()) == 0)
+  if (std::setlocale(LC_NUMERIC, "de_DE.UTF-8") == nullptr &&
+      std::system(
+          ("localedef -i de_DE -f UTF-8 '" + (folder / "de_DE.UTF-8").string() + "'").c_str()) == 0)
     setenv("LOCPATH", folder.c_str(), 1);
 #endif
+  for (char const* name : {"de_DE.UTF-8", "German_Germany.1252"})
+    if (std::setlocale(LC_NUMERIC, name) != nullptr) return true;
+  return false;
 }
 
 // Numbers are what the C library's functions make of them under the process's locale.
 TEST_F(TextFile, FollowsTheLocale) {
   std::string const before = std::setlocale(LC_NUMERIC, nullptr);
-  if (!SetDecimalComma()) MakeDecimalComma(m_folder);
-  if (!SetDecimalComma()) GTEST_SKIP() << "no locale with a decimal comma can be had";
+  if (!SetDecimalComma(m_folder)) GTEST_SKIP() << "no locale with a decimal comma can be had";
   std::string const written = Written(VectorOf<double>({3.25, -1234.5}), nullptr, nullptr);
   HYLBasVector<double> own, others;
   own.Read(File("written").c_str());
