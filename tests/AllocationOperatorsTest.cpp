@@ -99,11 +99,42 @@ TEST(GlobalNew, ReplacesTheProcesssOwn) {
 static_assert(noexcept(::operator new(1, 1, "file.cpp", 7)));
 static_assert(noexcept(::operator new[](1, 1, "file.cpp", 7)));
 
+TEST(BuiltInNew, TakesArraysFromTheMemoryLibrary) {
+  int* const ints = new (e_builtInAlloc) int[1000];
+  double* const doubles = new (e_builtInAlloc) double[1000];
+  std::memset(ints, 1, 1000 * sizeof(int));
+  std::memset(doubles, 1, 1000 * sizeof(double));
+  mem_deleteBuiltIn(ints);
+  mem_deleteBuiltIn(doubles);
+  mem_deleteBuiltIn(static_cast<int*>(nullptr));
+  mem_deleteBuiltIn(static_cast<double*>(nullptr));
+  EXPECT_THROW(::operator new[](tooMuch | 63, e_builtInAlloc), std::bad_alloc);
+}
+
+struct FromMemoryLibrary : mem_AllocationOperators {
+  int values[10];
+};
+
+TEST(ClassNew, TakesObjectsFromTheMemoryLibrary) {
+  auto* const object = new FromMemoryLibrary();
+  EXPECT_EQ(object->values[9], 0);
+  delete object;
+  delete static_cast<FromMemoryLibrary*>(nullptr);
+  EXPECT_THROW(mem_AllocationOperators::operator new(SIZE_MAX), std::bad_alloc);
+  static_assert(sizeof(FromMemoryLibrary) == sizeof(FromMemoryLibrary::values));
+}
+
 TEST(PlacementNew, ReturnsThePlaceAndAllocatesNothing) {
+  using New = void*(std::size_t, void*, HYLBasPlacement);
+  using Delete = void(void*, void*, HYLBasPlacement);
+  auto* const exportedNew = reinterpret_cast<New*>(FromLibrary("_ZnwmPv15HYLBasPlacement"));
+  auto* const exportedDelete = reinterpret_cast<Delete*>(FromLibrary("_ZdlPvS_15HYLBasPlacement"));
   alignas(int) unsigned char place[sizeof(int)] = {1, 1, 1, 1};
-  EXPECT_EQ(::operator new(SIZE_MAX, place, e_placement), place);
-  ::operator delete(place, place, e_placement);
+  ASSERT_TRUE(exportedNew != nullptr && exportedDelete != nullptr);
+  EXPECT_EQ(exportedNew(SIZE_MAX, place, e_placement), place);
+  exportedDelete(place, place, e_placement);
   EXPECT_EQ(place[3], 1);
+  EXPECT_EQ(*new (place, e_placement) int(77), 77);
 }
 
 } // namespace
