@@ -380,7 +380,7 @@ private:
   }
 
   void Overlap(Array& a, Model const& model) {
-    if (model.block < 0 || model.Count() < static_cast<std::size_t>(model.n)) return;
+    if (model.block < 0 || model.m < 1 || model.Count() < static_cast<std::size_t>(model.n)) return;
     int const i = Below(model.m);
     auto const at = static_cast<std::size_t>(Below(static_cast<int>(model.Count()) - model.n + 1));
     bool const out = Below(2);

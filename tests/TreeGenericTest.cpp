@@ -1,6 +1,7 @@
 // The type-erased trees beside a model that follows every link, colour, value and call.
 #include <algorithm>
 #include <climits>
+#include <cstring>
 #include <map>
 #include <memory>
 #include <random>
@@ -288,6 +289,60 @@ TYPED_TEST(TreeGeneric, FollowsTheModelInShapeContentsAndEveryCall) {
         trees.Step();
       if (testing::Test::HasFailure()) return;
     }
+}
+
+bool CalledIntOrder(void const* a, void const* b, void const*) {
+  return *static_cast<int const*>(a) < *static_cast<int const*>(b);
+}
+
+// Where the comparator is the library's own, its calls are inlined and some are left out: the same
+// tree must come out as with another comparator of the same order, however large.
+template <class A>
+void ExpectSameShape(HYLBasTreeGeneric<A>& a, HYLBasTreeGeneric<A>& b) {
+  ASSERT_EQ(a.Size(), b.Size());
+  auto const same = [](auto&& self, Node* x, Node* y) -> bool {
+    if (x == nullptr || y == nullptr) return x == y;
+    return x->m_color == y->m_color && std::memcmp(x + 1, y + 1, sizeof(Value)) == 0 &&
+           self(self, x->m_left, y->m_left) && self(self, x->m_right, y->m_right);
+  };
+  ASSERT_TRUE(same(same, a.Root(), b.Root()));
+  ASSERT_TRUE(a.VerifyTree());
+}
+
+TYPED_TEST(TreeGeneric, InlinedComparisonsMakeTheSameTree) {
+  recording::Reset(nullptr, 0);
+  using Tree = HYLBasTreeGeneric<TypeParam>;
+  int const size = 3000;
+  std::mt19937 random(7);
+  for (int const order : {1, -1, 0}) { // ascending, descending, random
+    Tree inlined(offsets, pairs, HYLBasStandardComparitor<int>, nullptr);
+    Tree called(offsets, pairs, CalledIntOrder, nullptr);
+    auto const both = [&](auto operation) { operation(inlined), operation(called); };
+    auto const key = [&](int i) {
+      return order ? order * i : static_cast<int>(random() % (2 * size)) - size;
+    };
+    for (int i = 0; i != size; ++i) {
+      Value const value = {key(i), i};
+      bool const isEqual = random() % 4 == 0;
+      both([&](Tree& tree) {
+        isEqual ? static_cast<void>(tree.InsertEqual(&value))
+                : static_cast<void>(tree.InsertUnique(&value));
+      });
+    }
+    ExpectSameShape(inlined, called);
+    for (int i = 0; i != size; ++i) {
+      Value const value = {key(i), i};
+      auto const action = random() % 3;
+      both([&](Tree& tree) {
+        Node* const x = tree.Find(&value);
+        if (action == 0 && x != tree.End()) tree.Erase(x);
+        if (action == 1) tree.InsertUniqueAtPosition(tree.LowerBound(&value), &value);
+        if (action == 2) tree.InsertEqualAtPosition(tree.UpperBound(&value), &value);
+      });
+    }
+    ExpectSameShape(inlined, called);
+  }
+  EXPECT_EQ(recording::LiveBlocks(), 0u);
 }
 
 // One key after the other, `last` left out.
