@@ -124,11 +124,8 @@ TEST(Pool, ReportsWhatItsCallersHold) {
   EXPECT_EQ(pool.MemoryCurrent(), 0u);
   EXPECT_NE(pool.PoolID(), Pool().PoolID());
   EXPECT_STRNE(pool.PoolName(), Pool().PoolName());
-}
 
-// A pool as its layout is promised to hosts: the active flag is its first byte.
-TEST(Pool, ActivateSetsTheFirstByte) {
-  HYLBasMemPoolMap pool;
+  // The active flag is promised to be the first byte.
   auto const* const flag = reinterpret_cast<unsigned char const volatile*>(&pool);
   EXPECT_EQ(*flag, 0);
   pool.Activate();
@@ -156,30 +153,26 @@ char* Take(HYLBasMemTruePool& pool, unsigned int bytes) {
 // Fills every allocation with its own number; afterwards all of them must have kept it, and each
 // must lie behind the one before exactly when the block still had room.
 TEST(RegionPool, KeepsEveryAllocationInPlace) {
-  struct Piece {
-    char* start;
-    unsigned int size;
-  };
   std::mt19937 random(7);
   for (unsigned int largest : {1u, 40u, 495u}) {
     HYLBasMemTruePool pool(101, "HYLBasMemRegionAllocator", nullptr);
-    std::vector<Piece> pieces;
+    std::vector<std::pair<char*, unsigned int>> pieces;
     unsigned int used = 496;
     for (int i = 0; i != 20000; ++i) {
       unsigned int const size = static_cast<unsigned int>(random() % (largest + 1));
       char* const start = Take(pool, size);
       EXPECT_EQ(pool.deallocate(start, 1), 0u);
       bool const fits = used + size < 496;
-      ASSERT_TRUE(fits ? start == pieces.back().start + pieces.back().size
+      ASSERT_TRUE(fits ? start == pieces.back().first + pieces.back().second
                        : reinterpret_cast<std::uintptr_t>(start) % 16 == 0);
       used = fits ? used + size : size;
       std::memset(start, i % 251, size);
-      pieces.push_back({start, size});
+      pieces.emplace_back(start, size);
     }
-    for (std::size_t i = 0; i != pieces.size(); ++i)
-      ASSERT_EQ(
-          std::count(pieces[i].start, pieces[i].start + pieces[i].size, static_cast<char>(i % 251)),
-          pieces[i].size);
+    for (std::size_t i = 0; i != pieces.size(); ++i) {
+      auto const [start, size] = pieces[i];
+      ASSERT_EQ(std::count(start, start + size, static_cast<char>(i % 251)), size);
+    }
   }
 }
 

@@ -15,21 +15,19 @@ void Expect(char const* what, int found, int expected) {
   ++failures;
 }
 
-void* Load(char const* file) {
-  void* const library = dlopen(file, RTLD_NOW | RTLD_LOCAL);
-  if (library != nullptr) return library;
-  std::fprintf(stderr, "%s\n", dlerror());
-  std::exit(2);
-}
-
-template <class Function>
-Function* Find(void* library, char const* name) {
-  if (void* const symbol = dlsym(library, name)) return reinterpret_cast<Function*>(symbol);
-  std::fprintf(stderr, "%s\n", dlerror());
-  std::exit(2);
-}
-
 using EntryPoint = void(int&);
+
+void* Required(void* found) {
+  if (found != nullptr) return found;
+  std::fprintf(stderr, "%s\n", dlerror());
+  std::exit(2);
+}
+
+void* Load(char const* file) { return Required(dlopen(file, RTLD_NOW | RTLD_LOCAL)); }
+
+EntryPoint* Find(void* library, char const* name) {
+  return reinterpret_cast<EntryPoint*>(Required(dlsym(library, name)));
+}
 
 // What a start adds to a tally, and the stop after it takes away: 1 for a layer that nobody holds.
 int StartAndStop(EntryPoint* initialize, EntryPoint* finalize) {
@@ -46,8 +44,8 @@ void ExpectLoadStartsOnceAndUnloadStopsOnce(char const* libraryFile, EntryPoint*
   Expect("memory library before load", StartAndStop(allocInitialize, allocFinalize), 1);
 
   void* const library = Load(libraryFile);
-  auto* const initialize = Find<EntryPoint>(library, "_Z28HYLBasGenericsLib_initializeRi");
-  auto* const finalize = Find<EntryPoint>(library, "_Z26HYLBasGenericsLib_finalizeRi");
+  auto* const initialize = Find(library, "_Z28HYLBasGenericsLib_initializeRi");
+  auto* const finalize = Find(library, "_Z26HYLBasGenericsLib_finalizeRi");
   Expect("memory library while loaded", StartAndStop(allocInitialize, allocFinalize), 0);
   Expect("loaded library", StartAndStop(initialize, finalize), 0);
 
@@ -69,8 +67,8 @@ int main(int argc, char** argv) {
   if (argc != 3) return 2;
   // Held all the time, so that its count outlives the library.
   void* const alloc = Load(argv[1]);
-  auto* const initialize = Find<EntryPoint>(alloc, "_Z22HYLBasAlloc_initializeRi");
-  auto* const finalize = Find<EntryPoint>(alloc, "_Z20HYLBasAlloc_finalizeRi");
+  auto* const initialize = Find(alloc, "_Z22HYLBasAlloc_initializeRi");
+  auto* const finalize = Find(alloc, "_Z20HYLBasAlloc_finalizeRi");
   for (int round = 0; round != 3; ++round)
     ExpectLoadStartsOnceAndUnloadStopsOnce(argv[2], initialize, finalize);
   return failures == 0 ? 0 : 1;

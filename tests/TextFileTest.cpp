@@ -217,10 +217,8 @@ T ValueOf(std::string const& word) {
   using Bits = std::conditional_t<sizeof(T) == 4, std::uint32_t, std::uint64_t>;
   if (word.starts_with("bits:"))
     return std::bit_cast<T>(static_cast<Bits>(std::stoull(word.substr(5), nullptr, 16)));
-  if constexpr (std::is_same_v<T, double>)
-    return std::strtod(word.c_str(), nullptr);
-  else if constexpr (std::is_same_v<T, float>)
-    return std::strtof(word.c_str(), nullptr);
+  if constexpr (std::is_floating_point_v<T>)
+    return static_cast<T>(std::strtod(word.c_str(), nullptr));
   else
     return static_cast<T>(std::stoll(word));
 }
@@ -362,6 +360,9 @@ TEST_F(TextFile, ReadForgetsABlock) {
     EXPECT_TRUE(vector.begin() == nullptr && vector.end() == nullptr && vector.capacity() == 0);
     mem_Free(block);
   }
+  std::unique_ptr<HYLBasVector<double>> const none(
+      HYLBasVectorRead<double>(File("missing").c_str()));
+  EXPECT_TRUE(none->empty() && none->capacity() == 0);
   testing::internal::GetCapturedStderr();
 }
 
@@ -379,14 +380,6 @@ TEST_F(TextFile, ReadLeavesNothingBehindOnAnyFailedRequest) {
   std::unique_ptr<HYLBasVector<int>> const vector(HYLBasVectorRead<int>(file.c_str()));
   ASSERT_EQ(vector->size(), 2u);
   EXPECT_EQ(vector->back(), 6);
-}
-
-TEST_F(TextFile, ReadGivesAnEmptyVectorWhenItFails) {
-  testing::internal::CaptureStderr();
-  std::unique_ptr<HYLBasVector<double>> const vector(
-      HYLBasVectorRead<double>(File("none").c_str()));
-  EXPECT_NE(testing::internal::GetCapturedStderr(), "");
-  EXPECT_TRUE(vector->empty() && vector->capacity() == 0);
 }
 
 // Where no such locale is installed, compiles one into the folder.
