@@ -5,7 +5,6 @@
 #include <cstddef>
 #include <numeric>
 #include <random>
-#include <span>
 #include <string>
 #include <utility>
 #include <vector>
@@ -15,18 +14,44 @@
 #include "Compare.h"
 #include "HYLBasSortGenericIx.h"
 #include "HYLBasSortSpecial.h"
-#include "support/SortInputs.h"
 
 namespace {
 
 using benchmark::State;
-using inputs::Pattern;
 using Pair = HYLBasPair<int, int>;
 
 std::mt19937 generator(1); // NOLINT(cert-msc51-cpp): the same arrays in every run
 
-std::span const patterns(inputs::patterns, 5); // no more: runs are long enough
+struct Pattern {
+  char const* name;
+  int (*valueAt)(unsigned int i, unsigned int n);
+};
+constexpr Pattern patterns[] = {
+    {"random", [](unsigned int, unsigned int) { return static_cast<int>(generator() >> 1); }},
+    {"sorted", [](unsigned int i, unsigned int) { return static_cast<int>(i); }},
+    {"reversed", [](unsigned int i, unsigned int n) { return static_cast<int>(n - i); }},
+    {"16-values", [](unsigned int, unsigned int) { return static_cast<int>(generator() % 16); }},
+    {"organ-pipe",
+     [](unsigned int i, unsigned int n) { return static_cast<int>(std::min(i, n - i)); }},
+};
 constexpr unsigned int sizes[] = {16, 1000, 100000, 1000000};
+
+// Distinct values stay distinct and in order in every element type; equal ones differ in a pair's
+// second field.
+template <class T>
+T ElementOf(int value);
+template <>
+int ElementOf<int>(int value) {
+  return value;
+}
+template <>
+long long ElementOf<long long>(int value) {
+  return value * 4294967311ll - 99;
+}
+template <>
+Pair ElementOf<Pair>(int value) {
+  return Pair(value / 4, value % 4);
+}
 
 // Arrays of `n` elements, one after the other.
 template <class T>
@@ -35,8 +60,7 @@ std::vector<T> Arrays(Pattern const& pattern, unsigned int n) {
   std::vector<T> elements;
   do {
     for (unsigned int i = 0; i != n; ++i)
-      elements.push_back(inputs::ElementOf<T>(
-          pattern.valueAt(static_cast<int>(i), static_cast<int>(n), generator)));
+      elements.push_back(ElementOf<T>(pattern.valueAt(i, n)));
   } while (elements.size() < atLeast);
   return elements;
 }
