@@ -7,9 +7,10 @@
 /// key's place are inline; everything else is one call into the library. `docs/maps.md` says when
 /// another map is faster.
 ///
-/// It differs from `std::map` in these points: counts are 32 bits; iterators only step forward, by
-/// `++it`; exhausted memory ends the process instead of throwing; `Insert` and `InsertOver` take
-/// key and value and say whether an existing value is kept or replaced.
+/// It differs from `std::map` mainly in these points: keys are `int`; counts are 32 bits; iterators
+/// only step forward, by `++it`; exhausted memory ends the process unless a new handler finds some
+/// or throws; `Insert` and `InsertOver` take key and value and say whether an existing value is
+/// kept or replaced; assignment and exchange take the end position along.
 ///
 /// No argument is checked. An iterator given to `erase` or as a hint must belong to the map, and
 /// that of `erase` must not be `end()`. One thread at a time per map.
@@ -99,7 +100,8 @@ public:
 
   /// \name Construction
   /// Copying and assigning a map copies its elements, linear in their number; destroying it
-  /// releases them.
+  /// releases them. Assignment invalidates all positions of the map that is assigned to, its end
+  /// too.
   /// @{
   HYLBasMap()
       : m_tree(getOffsets(), HYLBasGetReplicator<value_type>(),
@@ -155,7 +157,8 @@ public:
 
   /// \name Insertion
   /// O(log n) for each element; amortised constant time with the position directly after it as a
-  /// hint. Invalidates nothing. On exhausted memory the map is unchanged.
+  /// hint. Invalidates nothing. When a new handler throws on exhausted memory, the elements
+  /// inserted so far stay and nothing else has changed.
   /// @{
 
   /// The element with `key`: the new one, or the existing one, which keeps its value.
@@ -190,7 +193,8 @@ public:
   /// @}
 
   /// \name Removal
-  /// Invalidates positions of removed elements only.
+  /// By position amortised constant time, by key O(log n). Invalidates positions of removed
+  /// elements only. A key may be that of an element of the map.
   /// @{
   void erase(iterator position) { m_tree.Erase(position.m_node); }
   /// Removes [`first`, `last`).
@@ -211,7 +215,8 @@ public:
   void clear() { m_tree.Clear(); }
   /// @}
 
-  /// Exchanges the contents in constant time; positions stay valid and belong to the other map.
+  /// Exchanges the contents in constant time; positions, the ends too, stay valid and belong to the
+  /// other map.
   void swap(HYLBasMap& other) { m_tree.Swap(&other.m_tree); }
 
 private:

@@ -21,8 +21,8 @@
 ///   often and with the operands that the described steps need, in their order.
 /// - No argument is checked: nodes must belong to this tree, `Erase` is never given the header, and
 ///   the end of a range is reached by forward steps.
-/// - A node keeps its address and its value until it is erased; no operation invalidates other
-///   positions.
+/// - A node keeps its address and its value until it is erased; no operation but assignment, which
+///   replaces the header too, invalidates other positions.
 /// - Exhausted memory is the memory library's to handle. When a new handler throws, an insertion
 ///   leaves the tree as it was, and a copy leaves nothing behind.
 /// - One thread at a time per tree, and at a time among all trees over the tracking allocator.
@@ -63,6 +63,7 @@ public:
   ~HYLBasTreeGeneric();
   /// Becomes a copy of `other`, comparator, context and replicator included, and then destroys its
   /// old values. The node offsets must be equal, unchecked. Assignment to itself does nothing.
+  /// Linear; invalidates all positions of this tree, its end too.
   HYLBasTreeGeneric& operator=(HYLBasTreeGeneric const& other);
   /// Exchanges everything with `other` but the node offsets, which must be equal, unchecked.
   /// Constant time; positions stay valid and belong to the other tree.
@@ -147,8 +148,10 @@ public:
   /// \name Self-check
   /// @{
 
-  /// Whether colours, order, black counts, leftmost and rightmost node are as they must be, and a
-  /// tree of size 0 has no nodes. O(n log n).
+  /// Whether no red node has a red child, no child is on the wrong side of its parent, all nodes
+  /// without children have as many black nodes above them, leftmost and rightmost node are these,
+  /// and a tree of size 0 has no nodes. Not every damage shows in that: a red root does not, nor a
+  /// black child without sibling. O(n log n).
   bool VerifyTree() const;
   /// Black nodes on the way from `node` (0 when it is null) up to `root`, both included.
   unsigned int BlackCount(Node* node, Node* root) const;

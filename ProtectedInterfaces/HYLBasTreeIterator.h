@@ -43,6 +43,8 @@ public:
   using reference = Reference;
   using pointer = Pointer;
 
+  /// No position: to be assigned to before anything else.
+  HYLBasTreeIterator() = default;
   /// The position of `node`.
   HYLBasTreeIterator(HYLBasTreeNodeGeneric* node) : m_node(node) {}
   HYLBasTreeIterator(HYLBasTreeIteratorGeneric const& position) : m_node(position.m_node) {}

@@ -12,6 +12,7 @@
 
 #include "HYLBasMap.h"
 #include "support/RecordingMemory.h"
+#include "support/SameShape.h"
 
 namespace {
 
@@ -170,6 +171,45 @@ TYPED_TEST(Map, DoesWhatTheStandardMapDoes) {
   }
 }
 
+bool CalledIntOrder(void const* a, void const* b, void const*) {
+  return *static_cast<int const*>(a) < *static_cast<int const*>(b);
+}
+
+// What the map does inline beside a tree that calls its comparator for every step.
+TYPED_TEST(Map, InlineWaysMakeTheTreeOfThePlainSteps) {
+  using Ours = HYLBasMap<int, TypeParam>;
+  using Pair = typename Ours::value_type;
+  constexpr int offset = hylbas_detail::valueOffset<Pair>;
+  HYLBasTreeGeneric<HYLBasNodeAllocator> plain({offset, hylbas_detail::nodeSize<Pair>},
+                                               HYLBasGetReplicator<Pair>(), CalledIntOrder,
+                                               nullptr);
+  Ours m;
+  std::mt19937 random(3);
+  for (int i = 0; i != 6000; ++i) {
+    int const key = i < 1000 ? i : static_cast<int>(random() % 4000) - 2000;
+    Pair const element(key, static_cast<TypeParam>(i % 100));
+    auto const action = i < 3000 ? random() % 2 : random() % 4;
+    if (action == 0) {
+      m[key];
+      Pair const zero(key, TypeParam());
+      auto* const low = plain.LowerBound(&key);
+      if (low == plain.End() || CalledIntOrder(&key, plain.Value(low), nullptr))
+        plain.InsertUniqueAtPosition(low, &zero);
+    } else if (action == 1) {
+      ASSERT_EQ(m.insert(element).second, plain.InsertUnique(&element).second);
+    } else if (auto const it = m.find(key); it != m.end()) {
+      plain.Erase(plain.Find(&key));
+      m.erase(it->first); // a key that goes with its element
+    }
+  }
+  ASSERT_GT(m.size(), 500u);
+  EXPECT_TRUE(plain.VerifyTree());
+  EXPECT_TRUE(SameShape(m.end().m_node->m_parent, plain.Root(), [](auto* x, auto* y) {
+    auto const a = typename Ours::const_iterator(x), b = typename Ours::const_iterator(y);
+    return a->first == b->first && a->second == b->second;
+  }));
+}
+
 TYPED_TEST(Map, AsksForOneExactBlockPerElement) {
   bool const isWide = sizeof(TypeParam) == 8;
   std::size_t const narrowNode = sizeof(void*) == 4 ? 28 : 40;
@@ -207,6 +247,9 @@ TYPED_TEST(Map, IteratorsServeStandardAlgorithms) {
   Ours const& constant = m;
   EXPECT_EQ(std::distance(m.begin(), m.end()), 4);
   EXPECT_EQ(std::next(constant.begin(), 3)->first, 4);
+  auto const [least, most] =
+      std::minmax_element(m.begin(), m.end(), [](auto& x, auto& y) { return x.second < y.second; });
+  EXPECT_TRUE(least->first == -3 && most->first == 4);
   EXPECT_TRUE(std::all_of(constant.begin(), constant.end(), [](auto const& x) {
     return x.second == static_cast<TypeParam>(x.first + 4);
   }));

@@ -13,9 +13,14 @@
 #include "HYLBasTreeIteratorGeneric.h"
 #include "support/PlainTree.h"
 #include "support/RecordingMemory.h"
+#include "support/SameShape.h"
 
 // The tracking allocator's pool, on the recording memory.
-void* HYLBasMemPool::Alloc(unsigned int size) { return mem_Malloc_Handled(size); }
+static HYLBasMemPool* askedPool;
+void* HYLBasMemPool::Alloc(unsigned int size) {
+  askedPool = m_active ? this : nullptr;
+  return mem_Malloc_Handled(size);
+}
 unsigned int HYLBasMemPool::Free(void* block) {
   mem_Free(block);
   return 0;
@@ -300,12 +305,9 @@ bool CalledIntOrder(void const* a, void const* b, void const*) {
 template <class A>
 void ExpectSameShape(HYLBasTreeGeneric<A>& a, HYLBasTreeGeneric<A>& b) {
   ASSERT_EQ(a.Size(), b.Size());
-  auto const same = [](auto&& self, Node* x, Node* y) -> bool {
-    if (x == nullptr || y == nullptr) return x == y;
-    return x->m_color == y->m_color && std::memcmp(x + 1, y + 1, sizeof(Value)) == 0 &&
-           self(self, x->m_left, y->m_left) && self(self, x->m_right, y->m_right);
-  };
-  ASSERT_TRUE(same(same, a.Root(), b.Root()));
+  ASSERT_TRUE(SameShape(a.Root(), b.Root(), [](Node* x, Node* y) {
+    return std::memcmp(x + 1, y + 1, sizeof(Value)) == 0;
+  }));
   ASSERT_TRUE(a.VerifyTree());
 }
 
@@ -551,6 +553,49 @@ TEST(TreeGenericNodes, ServeCallersThatBuildTreesThemselves) {
   EXPECT_EQ(other.Size(), 3u);
   EXPECT_EQ(other.MaxSize(), 4294967295u);
   EXPECT_EQ(other.Value(static_cast<void const*>(root)), root + 1);
+}
+
+// Each node tells where its value is, whatever tree computes the comparison.
+TEST(TreeGenericNodes, FindTheirValueByTheirOwnOffset) {
+  recording::Reset(nullptr, 0);
+  Tree const near = TreeOf<HYLBasNodeAllocator>(1, 4);
+  Tree far(HYLBasNodeOffsets(offsets.m_valueOffset + 8, offsets.m_nodeSize + 8), pairs,
+           CalledIntOrder, nullptr);
+  for (int key : {1, 2, 4}) {
+    Value const value = {key, 0};
+    HYLBasTreeNodeGeneric* const node = far.InsertUnique(&value).first;
+    *reinterpret_cast<Value*>(node + 1) = {-key, 0}; // where a near node has its value
+  }
+  EXPECT_TRUE(near < far);
+  EXPECT_FALSE(far < near);
+  auto const precedes = [&](Node* first1, Node* last1, Node* first2, Node* last2) {
+    return near.LexicographicalCompare(first1, last1, first2, last2);
+  };
+  Node *const one = near.Begin(), *const three = near.Rightmost();
+  EXPECT_TRUE(precedes(one, three, far.Begin(), far.End()));
+  EXPECT_FALSE(precedes(one, three, far.Begin(), far.Rightmost()));
+  EXPECT_TRUE(precedes(one, one, three, near.End()));
+  EXPECT_FALSE(precedes(three, near.End(), one, one));
+  EXPECT_FALSE(precedes(one, one, three, three));
+
+  near.Root()->m_valueOffset = 77;
+  Node* const clone = far.CloneNode(near.Root());
+  EXPECT_EQ(clone->m_valueOffset, 77);
+  far.DeallocateNode(clone);
+}
+
+TEST(TreeGenericNodes, TreesOverTheTrackingAllocatorFetchAndActivateItsPool) {
+  recording::Reset(nullptr, 0);
+  auto const construct = [](auto make) {
+    HYLBasNodeTrackingAllocator::m_pool = nullptr;
+    askedPool = nullptr;
+    auto const tree = make();
+    EXPECT_EQ(HYLBasNodeTrackingAllocator::m_pool, &omi_Singleton<HYLBasMemPoolMap>::Instance());
+    EXPECT_EQ(askedPool, HYLBasNodeTrackingAllocator::m_pool);
+  };
+  auto const empty = TreeOf<HYLBasNodeTrackingAllocator>(0, 0);
+  construct([] { return TreeOf<HYLBasNodeTrackingAllocator>(0, 1); });
+  construct([&] { return HYLBasTreeGeneric<HYLBasNodeTrackingAllocator>(empty); });
 }
 
 // Bushes that hang from each other's last leaves leave more nodes to be visited than any balanced
