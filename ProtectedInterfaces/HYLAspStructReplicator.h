@@ -5,8 +5,8 @@
 #include <cstddef>
 #include <cstring>
 
-#include "HYLBasExport.h"
 #include "HYLBasReplicator.h"
+#include "detail/HYLBasExport.h"
 
 /// Take it for records without resources of their own; take `HYLBasReplicatorGeneric` for elements
 /// whose copies need a function.

@@ -9,7 +9,7 @@
 #include <cstddef>
 #include <new>
 
-#include "HYLBasExport.h"
+#include "detail/HYLBasExport.h"
 
 /// Selects the array form that takes its memory from the memory library.
 enum mem_BuiltInAlloc { e_builtInAlloc };

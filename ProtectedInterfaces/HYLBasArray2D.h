@@ -37,10 +37,10 @@
 #include <type_traits>
 
 #include "HYLBasAllocationOperators.h"
-#include "HYLBasExport.h"
 #include "HYLBasVector.h"
 #include "LUXCORE.h"
 #include "TARNHYLBasAlloc.h"
+#include "detail/HYLBasExport.h"
 
 namespace hylbas_detail {
 

@@ -4,7 +4,7 @@
 /// functions are pure and check nothing.
 #pragma once
 
-#include "HYLBasExport.h"
+#include "detail/HYLBasExport.h"
 
 /// The key ordering of a tree: `a` and `b` are addresses of keys, `context` is the value that the
 /// tree was given at construction. Must be a strict weak ordering.

@@ -2,7 +2,7 @@
 /// An allocator policy that allocates nothing, for hosts' templates that ask for one.
 #pragma once
 
-#include "HYLBasExport.h"
+#include "detail/HYLBasExport.h"
 
 /// Holds no data and has no operations.
 class HYLBASGENERICS_EXPORT HYLBasGenericsAllocator {

@@ -16,7 +16,7 @@
 /// throws; the counts and the tally have risen by then and stay so.
 #pragma once
 
-#include "HYLBasExport.h"
+#include "detail/HYLBasExport.h"
 
 /// \name Whole library
 /// @{

@@ -2,7 +2,7 @@
 /// Bucket numbers for hash tables keyed by integers or addresses.
 #pragma once
 
-#include "HYLBasExport.h"
+#include "detail/HYLBasExport.h"
 
 /// Bucket of `key` in a table of `tableSize` buckets (at least 1, unchecked):
 /// `(key >> 2) % tableSize`. Keys that differ only in their two low bits share a bucket.

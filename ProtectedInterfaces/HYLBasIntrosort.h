@@ -51,8 +51,8 @@
 #pragma once
 
 #include "HYLBasComparitor.h"
-#include "HYLBasExport.h"
 #include "HYLBasPair.h"
+#include "detail/HYLBasExport.h"
 
 /// The floor of the base-2 logarithm; 0 for `n` below 2.
 HYLBASGENERICS_EXPORT int __lg(int n);

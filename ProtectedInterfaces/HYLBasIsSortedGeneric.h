@@ -3,8 +3,8 @@
 #pragma once
 
 #include "HYLBasComparitor.h"
-#include "HYLBasExport.h"
 #include "HYLBasReplicator.h"
+#include "detail/HYLBasExport.h"
 
 /// \name Test for order
 /// Whether no element of [`begin`, `end`) comes before its predecessor; true for fewer than two

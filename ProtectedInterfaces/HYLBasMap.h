@@ -20,17 +20,17 @@
 #include <type_traits>
 
 #include "HYLBasComparitor.h"
-#include "HYLBasExport.h"
-#include "HYLBasInstantiations.h"
 #include "HYLBasNodeAllocator.h"
 #include "HYLBasNodeOffsets.h"
 #include "HYLBasPair.h"
 #include "HYLBasPairIterBoolGeneric.h"
 #include "HYLBasReplicator.h"
-#include "HYLBasTreeDescent.h"
 #include "HYLBasTreeGeneric.h"
 #include "HYLBasTreeIterator.h"
 #include "HYLBasTreeNodeGeneric.h"
+#include "detail/HYLBasExport.h"
+#include "detail/HYLBasInstantiations.h"
+#include "detail/HYLBasTreeDescent.h"
 
 namespace hylbas_detail {
 

@@ -3,7 +3,7 @@
 /// exhaustion is the caller's to handle.
 #pragma once
 
-#include "HYLBasExport.h"
+#include "detail/HYLBasExport.h"
 
 class HYLBASGENERICS_EXPORT HYLBasMicroAllocator {
 public:

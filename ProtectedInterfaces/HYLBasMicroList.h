@@ -9,8 +9,8 @@
 /// access to an element fails in the caller's own code.
 #pragma once
 
-#include "HYLBasExport.h"
 #include "HYLBasMicroAllocator.h"
+#include "detail/HYLBasExport.h"
 
 /// The library holds it for `int`.
 template <class T>

@@ -2,8 +2,8 @@
 /// The trees' allocator policy: nodes straight from the memory library's general heap.
 #pragma once
 
-#include "HYLBasExport.h"
 #include "TARNHYLBasAlloc.h"
+#include "detail/HYLBasExport.h"
 
 /// Holds no data.
 class HYLBASGENERICS_EXPORT HYLBasNodeAllocator {

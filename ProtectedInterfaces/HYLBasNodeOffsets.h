@@ -2,7 +2,7 @@
 /// The layout of a tree's nodes for one value type.
 #pragma once
 
-#include "HYLBasExport.h"
+#include "detail/HYLBasExport.h"
 
 class HYLBASGENERICS_EXPORT HYLBasNodeOffsets {
 public:

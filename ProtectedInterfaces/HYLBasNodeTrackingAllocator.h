@@ -3,7 +3,7 @@
 /// which keeps usage statistics.
 #pragma once
 
-#include "HYLBasExport.h"
+#include "detail/HYLBasExport.h"
 
 class HYLBasMemPoolMap;
 

@@ -7,8 +7,8 @@
 #include <cstddef>
 #include <type_traits>
 
-#include "HYLBasExport.h"
-#include "HYLBasInstantiations.h"
+#include "detail/HYLBasExport.h"
+#include "detail/HYLBasInstantiations.h"
 
 namespace hylbas_detail {
 /// Scalar fields are aligned to their own size on every platform, also where the platform's own

@@ -2,8 +2,8 @@
 /// The result of inserting into a tree of unique keys.
 #pragma once
 
-#include "HYLBasExport.h"
 #include "HYLBasTreeNodeGeneric.h"
+#include "detail/HYLBasExport.h"
 
 class HYLBASGENERICS_EXPORT HYLBasPairIterBoolGeneric {
 public:

@@ -12,9 +12,9 @@
 #include <type_traits>
 
 #include "HYLBasAllocationOperators.h"
-#include "HYLBasExport.h"
-#include "HYLBasInstantiations.h"
 #include "HYLBasPair.h"
+#include "detail/HYLBasExport.h"
+#include "detail/HYLBasInstantiations.h"
 
 /// The element policy of a type-erased container: a plain record, copied member by member.
 class HYLBASGENERICS_EXPORT HYLBasReplicatorGeneric {

@@ -2,7 +2,7 @@
 /// A pool handle for hosts that track small nodes apart from the others.
 #pragma once
 
-#include "HYLBasExport.h"
+#include "detail/HYLBasExport.h"
 
 class HYLBasMemPoolMap;
 

@@ -6,8 +6,8 @@
 #pragma once
 
 #include "HYLBasComparitor.h"
-#include "HYLBasExport.h"
 #include "HYLBasVector.h"
+#include "detail/HYLBasExport.h"
 
 /// Makes `indices` the list of 0 to `count` - 1 in the order of `comparitor`: `indices[k]` is the
 /// index of the element that belongs at position k. Its former contents are lost. Not stable:

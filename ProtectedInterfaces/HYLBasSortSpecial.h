@@ -11,8 +11,8 @@
 /// are equal are the same in every bit, so there is only one result.
 #pragma once
 
-#include "HYLBasExport.h"
 #include "HYLBasPair.h"
+#include "detail/HYLBasExport.h"
 
 /// \name One array
 /// Sorts [`begin`, `end`); a range that ends before it begins is left alone. Allocates nothing.

@@ -2,7 +2,7 @@
 /// Exchange of two plain values.
 #pragma once
 
-#include "HYLBasExport.h"
+#include "detail/HYLBasExport.h"
 
 /// Exchanges `a` and `b`; they may be the same object.
 template <class T>

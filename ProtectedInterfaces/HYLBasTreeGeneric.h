@@ -31,15 +31,15 @@
 #pragma once
 
 #include "HYLBasComparitor.h"
-#include "HYLBasExport.h"
 #include "HYLBasNodeAllocator.h"
 #include "HYLBasNodeOffsets.h"
 #include "HYLBasNodeTrackingAllocator.h"
 #include "HYLBasPairIterBoolGeneric.h"
 #include "HYLBasReplicator.h"
-#include "HYLBasTreeDescent.h"
 #include "HYLBasTreeNodeGeneric.h"
 #include "TARNHYLBasAlloc.h"
+#include "detail/HYLBasExport.h"
+#include "detail/HYLBasTreeDescent.h"
 
 namespace hylbas_detail {
 template <class A>

@@ -6,11 +6,11 @@
 #include <iterator>
 #include <type_traits>
 
-#include "HYLBasExport.h"
-#include "HYLBasInstantiations.h"
 #include "HYLBasPair.h"
 #include "HYLBasTreeIteratorGeneric.h"
 #include "HYLBasTreeNodeGeneric.h"
+#include "detail/HYLBasExport.h"
+#include "detail/HYLBasInstantiations.h"
 
 namespace hylbas_detail {
 /// Stands for an iterator where there is none.

@@ -2,8 +2,8 @@
 /// In-order steps over the nodes of an ordered tree.
 #pragma once
 
-#include "HYLBasExport.h"
 #include "HYLBasTreeNodeGeneric.h"
+#include "detail/HYLBasExport.h"
 
 /// A position in a tree whose value type is not known: nothing but its node, copied by value. The
 /// end position is the tree's header. Steps cost amortised constant time; stepping past either end

@@ -16,7 +16,7 @@
 /// three for an erasure.
 #pragma once
 
-#include "HYLBasExport.h"
+#include "detail/HYLBasExport.h"
 
 /// Colour of a node. Every header node is red.
 enum HYLBasTreeColor : int { e_red = 0, e_black = 1 };

@@ -19,12 +19,12 @@
 #include <type_traits>
 
 #include "HYLBasAllocationOperators.h"
-#include "HYLBasExport.h"
-#include "HYLBasInstantiations.h"
 #include "HYLBasPair.h"
 #include "HYLBasReplicator.h"
 #include "HYLBasVectorAllocator.h"
 #include "HYLBasVectorGeneric.h"
+#include "detail/HYLBasExport.h"
+#include "detail/HYLBasInstantiations.h"
 
 namespace hylbas_detail {
 

@@ -2,8 +2,8 @@
 /// The vectors' allocator policy: blocks straight from the memory library's general heap.
 #pragma once
 
-#include "HYLBasExport.h"
 #include "TARNHYLBasAlloc.h"
+#include "detail/HYLBasExport.h"
 
 /// Holds no data.
 class HYLBASGENERICS_EXPORT HYLBasVectorAllocator {

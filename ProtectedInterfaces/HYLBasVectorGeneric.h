@@ -25,9 +25,9 @@
 /// - One thread at a time per vector; distinct vectors are independent.
 #pragma once
 
-#include "HYLBasExport.h"
 #include "HYLBasReplicator.h"
 #include "HYLBasVectorAllocator.h"
+#include "detail/HYLBasExport.h"
 
 template <class T>
 class HYLBasVector;

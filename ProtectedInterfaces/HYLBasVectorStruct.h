@@ -14,10 +14,10 @@
 #include <cstddef>
 
 #include "HYLAspStructReplicator.h"
-#include "HYLBasExport.h"
 #include "HYLBasReplicator.h"
 #include "HYLBasVectorAllocator.h"
 #include "HYLBasVectorStructIterator.h"
+#include "detail/HYLBasExport.h"
 
 namespace hylbas_detail {
 template <class V>

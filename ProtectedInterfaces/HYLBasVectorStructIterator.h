@@ -2,7 +2,7 @@
 /// A position in a record vector that steps from record to record.
 #pragma once
 
-#include "HYLBasExport.h"
+#include "detail/HYLBasExport.h"
 
 /// Take it to walk a record vector without computing addresses. It is the address of a record and
 /// the size of one; nothing is checked, and what invalidates positions of the vector invalidates

@@ -40,8 +40,8 @@
 #include <memory>
 #include <type_traits>
 
-#include "HYLBasExport.h"
 #include "HYLBasVector.h"
+#include "detail/HYLBasExport.h"
 
 /// Writes `vector` (of `int` or `double`) to the file, replacing it.
 /// \param fileName handed to `fopen` unchanged

@@ -16,7 +16,7 @@
 #include "HYLBasSortGenericIx.h"
 #include "HYLBasSortSpecial.h"
 #include "LUXCORE.h"
-#include "SortEngine.h"
+#include "sorting/SortEngine.h"
 #include "support/RecordingMemory.h"
 #include "support/SortInputs.h"
 

@@ -3,11 +3,11 @@
 /// compare, for every order. `HYLBasTreeGeneric<A>` befriends `TreeAlgorithms<A>`.
 #pragma once
 
-#include "HYLBasTreeDescent.h"
 #include "HYLBasTreeGeneric.h"
 #include "HYLBasTreeIteratorGeneric.h"
 #include "NodeMemory.h"
 #include "TreeLinks.h"
+#include "detail/HYLBasTreeDescent.h"
 
 namespace hylbas_detail {
 

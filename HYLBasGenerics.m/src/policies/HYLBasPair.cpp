@@ -2,8 +2,8 @@
 // is meant to have and no others.
 #include "HYLBasPair.h"
 
-#include "HYLBasInstantiations.h"
 #include "HYLBasTreeIterator.h"
+#include "detail/HYLBasInstantiations.h"
 
 using hylbas_detail::MapConstIterator;
 using hylbas_detail::MapElement;

@@ -3,8 +3,8 @@
 #include "HYLBasSwap.h"
 #include "HYLBasTreeIteratorGeneric.h"
 #include "NodeMemory.h"
-#include "PlainData.h"
 #include "TreeAlgorithms.h"
+#include "policies/PlainData.h"
 
 using hylbas_detail::NodeMemory;
 using hylbas_detail::Predecessor;

@@ -13,7 +13,7 @@
 #include <cstring>
 
 #include "HYLBasVectorGeneric.h"
-#include "PlainData.h"
+#include "policies/PlainData.h"
 
 namespace hylbas_detail {
 
