@@ -1,6 +1,6 @@
 /// \file
-/// A model of the type-erased trees: the described steps carried out one by one on numbered nodes,
-/// with every call that they make. Nodes have the number of their block; sides are 0 and 1.
+/// A model of the type-erased trees: the steps of each operation carried out one by one on numbered
+/// nodes, with every call that they make. Nodes have the number of their block; sides are 0 and 1.
 #pragma once
 
 #include <array>

@@ -1,6 +1,6 @@
 /// \file
-/// A model of the type-erased vectors: the described steps carried out one by one on numbered
-/// blocks, with every call that they make.
+/// A model of the type-erased vectors: the steps of each operation carried out one by one on
+/// numbered blocks, with every call that they make.
 #pragma once
 
 #include <algorithm>
