@@ -18,8 +18,7 @@
 /// - The key leads the value: the comparator is given the address of a value where a stored one or
 ///   one to insert is compared, and the caller's address of a bare key in lookups.
 /// - The comparator must be a strict weak ordering. It is called with the tree's context. Which
-/// calls
-///   an operation makes, with which operands first, is the same in every release.
+///   calls an operation makes, with which operands first, is the same in every release.
 /// - No argument is checked: nodes must belong to this tree, `Erase` is never given the header, and
 ///   the end of a range is reached by forward steps.
 /// - A node keeps its address and its value until it is erased; no operation but assignment, which
