@@ -23,8 +23,8 @@
 ///   `integer`; another word there, and every other such line, changes nothing. The field is real
 ///   until a banner says otherwise.
 /// - The size line, three integers, of which the third counts. Its low 32 bits, multiplied in 32
-///   bits by the element size, are the bytes of the vector's block; fewer than one element's are
-///   not asked for.
+///   bits by the element size, are the bytes of the vector's block, also where that is less than
+///   one element; 0 gives no block.
 /// - From every line after it one value, at its start. Lines without one are skipped without a
 ///   word; so is the rest of a line, and every value for which the block has no room.
 ///

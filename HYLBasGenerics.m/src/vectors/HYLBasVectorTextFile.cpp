@@ -130,11 +130,10 @@ bool ParseValue(char const* line, Field field, StoredValue& result) {
 // The block of a vector that is being read; filled first to last.
 class FreshBlock {
 public:
-  // The size is formed in 32 bits: a gigantic count yields a shorter block, and none when not even
-  // one element is left of it.
+  // The size is formed in 32 bits: a gigantic count yields a shorter block, maybe one that is too
+  // short for an element, and none when nothing is left of it.
   FreshBlock(unsigned int count, unsigned int elementSize)
       : m_elementSize(elementSize), m_bytes(count * elementSize) {
-    if (m_bytes < m_elementSize) m_bytes = 0;
     if (m_bytes != 0) m_start = static_cast<char*>(mem_Malloc_Handled(m_bytes));
   }
 
