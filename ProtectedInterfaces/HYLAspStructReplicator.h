@@ -8,8 +8,8 @@
 #include "HYLBasReplicator.h"
 #include "detail/HYLBasExport.h"
 
-/// Take it for records without resources of their own; take `HYLBasReplicatorGeneric` for elements
-/// whose copies need a function.
+/// The element policy of plain records. Take it for records without resources of their own; take
+/// `HYLBasReplicatorGeneric` for elements whose copies need a function.
 class HYLBASGENERICS_EXPORT HYLAspStructReplicator {
 public:
   using DestroyFunction = HYLBasReplicatorGeneric::DestroyFunction;

@@ -223,6 +223,8 @@ inline double NormInf(double const* x, int count) {
 #define HYLBAS_ARRAY2D_CHECK_AS(condition, text)                                                   \
   ((condition) ? void() : hylbas_detail::FailArray2DCheck("AssertionFailed:" text, __LINE__))
 
+/// The dense two-dimensional array, row-major (`Order` 0) or column-major (1). The library holds it
+/// for `int` and `double`.
 template <class T, int Order>
 class HYLBASGENERICS_EXPORT HYLBasArray2D {
   static_assert(Order == 0 || Order == 1);
@@ -362,6 +364,7 @@ public:
   template <class U, int O>
   class SpecializedParenthesis;
 
+  /// Row-major.
   template <class U>
   class HYLBASGENERICS_EXPORT SpecializedParenthesis<U, 0> {
   public:
@@ -371,6 +374,7 @@ public:
     }
   };
 
+  /// Column-major.
   template <class U>
   class HYLBASGENERICS_EXPORT SpecializedParenthesis<U, 1> {
   public:

@@ -4,7 +4,7 @@
 
 #include "detail/HYLBasExport.h"
 
-/// Holds no data and has no operations.
+/// The allocator policy of nothing. Holds no data and has no operations.
 class HYLBASGENERICS_EXPORT HYLBasGenericsAllocator {
 public:
   HYLBasGenericsAllocator();

@@ -83,6 +83,9 @@ struct InlineTree {
 
 } // namespace hylbas_detail
 
+/// The ordered map from unique `int` keys to values, one node per element: `HYLBasTreeGeneric` with
+/// typed names. The library holds it for `V` in `char`, `int`, `unsigned int`, `float`, `double`,
+/// `long long` and `unsigned long long`.
 template <class K, class V>
 class HYLBASGENERICS_EXPORT HYLBasMap {
   static_assert(std::is_same_v<K, int>, "the keys of a HYLBasMap are int");

@@ -5,6 +5,7 @@
 
 #include "detail/HYLBasExport.h"
 
+/// Blocks from the general heap, null when it is exhausted. Holds no data.
 class HYLBASGENERICS_EXPORT HYLBasMicroAllocator {
 public:
   /// `mem_Malloc(bytes)`: null when memory is exhausted. A negative size counts as its value modulo

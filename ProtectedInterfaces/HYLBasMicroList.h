@@ -12,7 +12,7 @@
 #include "HYLBasMicroAllocator.h"
 #include "detail/HYLBasExport.h"
 
-/// The library holds it for `int`.
+/// A block of numbers of fixed length: a pointer and one byte. The library holds it for `int`.
 template <class T>
 class HYLBASGENERICS_EXPORT HYLBasMicroList {
 public:

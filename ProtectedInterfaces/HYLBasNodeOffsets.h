@@ -4,6 +4,7 @@
 
 #include "detail/HYLBasExport.h"
 
+/// Where the value lies in a tree's node, and how long the node is, in bytes.
 class HYLBASGENERICS_EXPORT HYLBasNodeOffsets {
 public:
   /// \param valueOffset bytes from the start of a node to its value: the size of
@@ -17,6 +18,6 @@ public:
   HYLBasNodeOffsets(HYLBasNodeOffsets const&) = default;
   HYLBasNodeOffsets& operator=(HYLBasNodeOffsets const&) = default;
 
-  int m_valueOffset;
-  int m_nodeSize;
+  int m_valueOffset; ///< bytes from the start of a node to its value
+  int m_nodeSize;    ///< bytes of a whole node
 };

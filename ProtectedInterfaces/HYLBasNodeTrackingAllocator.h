@@ -7,9 +7,9 @@
 
 class HYLBasMemPoolMap;
 
-/// Holds no data of its own; all objects, and all trees over the policy, share the pool. It needs
-/// no start: the first construction of the policy, or of a tree over it, sets the pool, and the
-/// allocation functions assume that there has been one, unchecked.
+/// Nodes from the map pool. Holds no data of its own; all objects, and all trees over the policy,
+/// share the pool. It needs no start: the first construction of the policy, or of a tree over it,
+/// sets the pool, and the allocation functions assume that there has been one, unchecked.
 class HYLBASGENERICS_EXPORT HYLBasNodeTrackingAllocator {
 public:
   /// Fetches the process-wide pool and activates it.

@@ -19,7 +19,7 @@ inline constexpr std::size_t fieldAlignment = std::is_scalar_v<T>&& std::has_sin
                                                   : alignof(T);
 } // namespace hylbas_detail
 
-/// Two public fields. Constructors copy their arguments field by field.
+/// Two values together, in public fields. Constructors copy their arguments field by field.
 template <class A, class B>
 struct HYLBASGENERICS_EXPORT HYLBasPair {
   alignas(hylbas_detail::fieldAlignment<A>) A first;

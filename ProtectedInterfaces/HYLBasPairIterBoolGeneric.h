@@ -5,6 +5,7 @@
 #include "HYLBasTreeNodeGeneric.h"
 #include "detail/HYLBasExport.h"
 
+/// A node, and whether the insertion made it.
 class HYLBASGENERICS_EXPORT HYLBasPairIterBoolGeneric {
 public:
   HYLBASGENERICS_EXPORT_INLINE HYLBasPairIterBoolGeneric(HYLBasTreeNodeGeneric* node, bool inserted)

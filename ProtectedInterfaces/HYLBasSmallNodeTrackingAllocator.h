@@ -6,7 +6,7 @@
 
 class HYLBasMemPoolMap;
 
-/// Nothing but the handle, which the library never sets or reads.
+/// A pool handle and nothing else, which the library never sets or reads.
 class HYLBASGENERICS_EXPORT HYLBasSmallNodeTrackingAllocator {
 public:
   static HYLBasMemPoolMap* m_pool; ///< null until a host sets it

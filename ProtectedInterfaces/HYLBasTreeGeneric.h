@@ -46,6 +46,9 @@ template <class A>
 class TreeAlgorithms;
 } // namespace hylbas_detail
 
+/// The type-erased ordered container: a red-black tree with one node per value and a header node.
+/// The library holds it for `A` in `HYLBasNodeAllocator`, `HYLBasNodeTrackingAllocator` and
+/// `HYLBasMemTruePool`.
 template <class A>
 class HYLBASGENERICS_EXPORT HYLBasTreeGeneric {
   using Node = HYLBasTreeNodeGeneric;

@@ -21,8 +21,8 @@
 /// Colour of a node. Every header node is red.
 enum HYLBasTreeColor : int { e_red = 0, e_black = 1 };
 
-/// Plain data; the tree sets the links when it links a node in. The value follows inside the same
-/// block.
+/// The links and the colour of a node. Plain data; the tree sets the links when it links a node in.
+/// The value follows inside the same block.
 struct HYLBASGENERICS_EXPORT HYLBasTreeNodeGeneric {
   HYLBasTreeColor m_color;
   int m_valueOffset; ///< bytes from the start of the node to its value

@@ -83,6 +83,9 @@ inline constexpr char const* elementTypeName<unsigned long long> = "unsigned __i
 
 } // namespace hylbas_detail
 
+/// The growable array of plain numbers, in one block: `HYLBasVectorGeneric` with typed names. The
+/// library holds it for `int`, `unsigned int`, `float`, `double`, `long long`, `unsigned long long`
+/// and `HYLBasPair<int, int>`.
 template <class T>
 class HYLBASGENERICS_EXPORT HYLBasVector : public mem_AllocationOperators {
 public:

@@ -5,7 +5,7 @@
 #include "TARNHYLBasAlloc.h"
 #include "detail/HYLBasExport.h"
 
-/// Holds no data.
+/// Blocks from the general heap, never null. Holds no data.
 class HYLBASGENERICS_EXPORT HYLBasVectorAllocator {
 public:
   HYLBASGENERICS_EXPORT_INLINE HYLBasVectorAllocator() {}

@@ -46,6 +46,8 @@ void ReleaseBlock(Allocator& allocator, Replicator const& replicator, char* firs
 }
 } // namespace hylbas_detail
 
+/// The growable array of elements of any one type, in one block of raw bytes; a replicator copies
+/// and destroys them.
 class HYLBASGENERICS_EXPORT HYLBasVectorGeneric {
 public:
   /// \name Construction

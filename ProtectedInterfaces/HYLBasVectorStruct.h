@@ -24,7 +24,8 @@ template <class V>
 class VectorAlgorithms;
 } // namespace hylbas_detail
 
-/// The library holds it for `HYLBasVectorAllocator` with each of the two replicators.
+/// The growable array of records, with access by index. The library holds it for
+/// `HYLBasVectorAllocator` with each of the two replicators.
 template <class Alloc, class Replicator>
 class HYLBASGENERICS_EXPORT HYLBasVectorStruct {
 public:

@@ -4,9 +4,9 @@
 
 #include "detail/HYLBasExport.h"
 
-/// Take it to walk a record vector without computing addresses. It is the address of a record and
-/// the size of one; nothing is checked, and what invalidates positions of the vector invalidates
-/// it. All operations take constant time.
+/// A position in a record vector. Take it to walk a record vector without computing addresses. It
+/// is the address of a record and the size of one; nothing is checked, and what invalidates
+/// positions of the vector invalidates it. All operations take constant time.
 template <class V>
 class HYLBASGENERICS_EXPORT HYLBasVectorStructIterator {
 public:

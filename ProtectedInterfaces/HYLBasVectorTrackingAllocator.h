@@ -7,9 +7,9 @@
 
 class HYLBasMemPoolVector;
 
-/// Holds no data of its own; all objects share the pool. Everything but `Initialize` and `Verify`
-/// needs the pool to be set, which loading the library does; unchecked. Constant time on top of the
-/// pool's.
+/// Blocks from the vector pool. Holds no data of its own; all objects share the pool. Everything
+/// but `Initialize` and `Verify` needs the pool to be set, which loading the library does;
+/// unchecked. Constant time on top of the pool's.
 class HYLBASGENERICS_EXPORT HYLBasVectorTrackingAllocator {
 public:
   HYLBASGENERICS_EXPORT_INLINE HYLBasVectorTrackingAllocator() {}

@@ -1,0 +1,1 @@
+s#\[([^]]*)\]\((\.\./)?(HYLBasGenerics\.m|HostServices|examples|tests|benchmarks|tools)[^)]*\)#\1#g
