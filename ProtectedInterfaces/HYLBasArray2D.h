@@ -41,6 +41,7 @@
 #include "LUXCORE.h"
 #include "TARNHYLBasAlloc.h"
 #include "detail/HYLBasExport.h"
+#include "detail/HYLBasPlainElement.h"
 
 namespace hylbas_detail {
 
@@ -227,7 +228,8 @@ inline double NormInf(double const* x, int count) {
 /// for `int` and `double`.
 template <class T, int Order>
 class HYLBASGENERICS_EXPORT HYLBasArray2D {
-  static_assert(Order == 0 || Order == 1);
+  static_assert(Order == 0 || Order == 1, "Order is 0 (row-major) or 1 (column-major)");
+  static_assert(hylbas_detail::RequirePlainElement<T>::value);
 
 public:
   /// How the array came to its block.

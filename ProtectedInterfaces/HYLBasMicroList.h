@@ -11,10 +11,13 @@
 
 #include "HYLBasMicroAllocator.h"
 #include "detail/HYLBasExport.h"
+#include "detail/HYLBasPlainElement.h"
 
 /// A block of numbers of fixed length: a pointer and one byte. The library holds it for `int`.
 template <class T>
 class HYLBASGENERICS_EXPORT HYLBasMicroList {
+  static_assert(hylbas_detail::RequirePlainElement<T>::value);
+
 public:
   HYLBasMicroList() : m_items(nullptr), m_count(0) {}
 

@@ -25,6 +25,7 @@
 #include "HYLBasVectorGeneric.h"
 #include "detail/HYLBasExport.h"
 #include "detail/HYLBasInstantiations.h"
+#include "detail/HYLBasPlainElement.h"
 
 namespace hylbas_detail {
 
@@ -88,6 +89,8 @@ inline constexpr char const* elementTypeName<unsigned long long> = "unsigned __i
 /// and `HYLBasPair<int, int>`.
 template <class T>
 class HYLBASGENERICS_EXPORT HYLBasVector : public mem_AllocationOperators {
+  static_assert(hylbas_detail::RequirePlainElement<T>::value);
+
 public:
   using value_type = T;
   using size_type = unsigned int;

@@ -12,6 +12,7 @@
 #pragma once
 
 #include <cstddef>
+#include <type_traits>
 
 #include "HYLAspStructReplicator.h"
 #include "HYLBasReplicator.h"
@@ -28,6 +29,12 @@ class VectorAlgorithms;
 /// `HYLBasVectorAllocator` with each of the two replicators.
 template <class Alloc, class Replicator>
 class HYLBASGENERICS_EXPORT HYLBasVectorStruct {
+  static_assert(std::is_same_v<Alloc, HYLBasVectorAllocator> &&
+                    (std::is_same_v<Replicator, HYLAspStructReplicator> ||
+                     std::is_same_v<Replicator, HYLBasReplicatorGeneric>),
+                "HYLBasVectorStruct takes HYLBasVectorAllocator and either HYLAspStructReplicator "
+                "or HYLBasReplicatorGeneric");
+
 public:
   using iterator = HYLBasVectorStructIterator<HYLBasVectorStruct>;
 

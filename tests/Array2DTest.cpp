@@ -438,7 +438,8 @@ private:
 template <class Array>
 class Array2D : public testing::Test {};
 using Arrays = testing::Types<HYLBasArray2D<int, 0>, HYLBasArray2D<int, 1>,
-                              HYLBasArray2D<double, 0>, HYLBasArray2D<double, 1>>;
+                              HYLBasArray2D<double, 0>, HYLBasArray2D<double, 1>,
+                              HYLBasArray2D<float, 1>>; // the last not in the library
 TYPED_TEST_SUITE(Array2D, Arrays, );
 
 TYPED_TEST(Array2D, FollowsTheModelInElementsBlocksAndFailedChecks) {
@@ -516,6 +517,7 @@ OPEN(int, 0)
 OPEN(int, 1)
 OPEN(double, 0)
 OPEN(double, 1)
+OPEN(float, 1)
 #undef OPEN
 
 TYPED_TEST(Array2D, PrivateOperations) {

@@ -3,6 +3,11 @@
 /// else is compiled with hidden visibility and stays inside.
 #pragma once
 
+// Included by every public header, so that this is the first thing to fail.
+#if (defined(_MSVC_LANG) ? _MSVC_LANG : __cplusplus) <= 201703L
+#error "TARNHYLBasGenericsLib needs C++20: compile with -std=c++20 or later"
+#endif
+
 #if defined(_WIN32)
 #if defined(HYLBASGENERICS_BUILD)
 #define HYLBASGENERICS_EXPORT __declspec(dllexport)
