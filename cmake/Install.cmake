@@ -52,3 +52,14 @@ endforeach()
 configure_file(${PROJECT_SOURCE_DIR}/cmake/TARNHYLBasGenericsLib.pc.in
   ${PROJECT_BINARY_DIR}/TARNHYLBasGenericsLib.pc @ONLY)
 install(FILES ${PROJECT_BINARY_DIR}/TARNHYLBasGenericsLib.pc DESTINATION ${hylbasPkgConfig})
+
+# What shows the containers in debuggers. gdb looks for a file named after the library where it
+# keeps those of installed libraries.
+set(hylbasViews ${PROJECT_SOURCE_DIR}/tools/debuggers)
+install(FILES ${hylbasViews}/hylbas_views.py ${hylbasViews}/TARNHYLBasGenericsLib.natvis
+  DESTINATION ${CMAKE_INSTALL_DATADIR}/TARNHYLBasGenericsLib)
+if(UNIX)
+  install(FILES ${hylbasViews}/hylbas_views.py
+    DESTINATION ${CMAKE_INSTALL_DATADIR}/gdb/auto-load${CMAKE_INSTALL_FULL_LIBDIR}
+    RENAME $<TARGET_FILE_NAME:TARNHYLBasGenericsLib>-gdb.py)
+endif()
