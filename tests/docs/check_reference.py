@@ -34,7 +34,8 @@ def make(source, work):
     settings = settings.replace("@PROJECT_SOURCE_DIR@", str(source))
     settings = settings.replace("@PROJECT_BINARY_DIR@/docs", str(work))
     settings = settings.replace("@HYLBAS_HAVE_DOT@", "NO") + "\nGENERATE_XML = YES\n"
-    subprocess.run(["doxygen", "-"], cwd=source, input=settings, text=True, check=True)
+    if subprocess.run(["doxygen", "-"], cwd=source, input=settings, text=True).returncode != 0:
+        sys.exit("the reference cannot be made")
 
 
 def text_of(element):

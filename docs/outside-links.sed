@@ -1,1 +1,0 @@
-s#\[([^]]*)\]\((\.\./)?(HYLBasGenerics\.m|HostServices|examples|tests|benchmarks|tools)[^)]*\)#\1#g
