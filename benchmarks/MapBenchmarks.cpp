@@ -3,7 +3,6 @@
 #include <algorithm>
 #include <map>
 #include <memory>
-#include <random>
 #include <vector>
 
 #include <absl/container/btree_map.h>
@@ -40,8 +39,8 @@ Keys Ascending(unsigned int n) {
 // thousand keys takes when it comes again and again.
 class Orders {
 public:
-  Orders(unsigned int n, unsigned int seed) {
-    std::mt19937 random(seed);
+  explicit Orders(unsigned int n) {
+    compare::Random random = compare::FreshRandom();
     for (unsigned int keys = 0; keys < 100000; keys += n) {
       m_orders.push_back(Ascending(n));
       std::shuffle(m_orders.back().begin(), m_orders.back().end(), random);
@@ -94,14 +93,14 @@ void FillRepeatedly(State& state, NextKeys nextKeys, Fill fill) {
 
 template <class M>
 void InsertRandom(State& state, unsigned int n) {
-  Orders orders(n, 1);
+  Orders orders(n);
   FillRepeatedly<M>(
       state, [&]() -> Keys const& { return orders.Next(); }, InsertAll<M>);
 }
 
 template <class M>
 void EmplaceRandom(State& state, unsigned int n) {
-  Orders orders(n, 1);
+  Orders orders(n);
   FillRepeatedly<M>(
       state, [&]() -> Keys const& { return orders.Next(); },
       [](M& map, Keys const& keys) { EmplaceAll(map, keys); });
@@ -116,30 +115,28 @@ void InsertAscending(State& state, unsigned int n) {
 
 template <class M>
 void IndexNew(State& state, unsigned int n) {
-  Orders orders(n, 1);
+  Orders orders(n);
   FillRepeatedly<M>(
       state, [&]() -> Keys const& { return orders.Next(); }, IndexAll<M>);
 }
 
-// `count` keys drawn from those of a map, `offset` beyond them.
-Keys Drawn(unsigned int n, unsigned int count, int offset, unsigned int seed) {
-  Keys keys(count);
-  std::mt19937 random(seed);
-  for (int& key : keys)
-    key = 2 * static_cast<int>(random() % n) + offset;
-  return keys;
-}
-
-// Looks `count` keys up, `offset` beyond those of the map.
+// Looks keys of the map up, `offset` beyond them; others at every iteration.
 template <class M, class Operation>
-void Lookups(State& state, unsigned int n, unsigned int count, int offset, Operation operation) {
+void Lookups(State& state, unsigned int n, int offset, Operation operation) {
   TidyHeap();
   M map;
-  InsertAll(map, Orders(n, 1).Next());
-  Keys const keys = Drawn(n, count, offset, 2);
-  for (auto _ : state)
+  InsertAll(map, Orders(n).Next());
+  compare::Random random = compare::FreshRandom();
+  Keys keys(mostLookups);
+  for (auto _ : state) {
+    state.PauseTiming();
+    for (int& key : keys)
+      key = 2 * static_cast<int>(random() % n) + offset;
+    state.ResumeTiming();
     for (int const key : keys)
       benchmark::DoNotOptimize(operation(map, key));
+  }
+  compare::CountOperations(state, keys.size());
 }
 
 template <class M>
@@ -149,29 +146,34 @@ auto ValueOf(M& map, int key) {
 
 template <class M>
 void FindHit(State& state, unsigned int n) {
-  Lookups<M>(state, n, mostLookups, 0, ValueOf<M>);
+  Lookups<M>(state, n, 0, ValueOf<M>);
 }
 
 // The same few keys in the same order, again and again.
 template <class M>
 void FindRepeatedly(State& state, unsigned int n) {
-  Lookups<M>(state, n, n, 0, ValueOf<M>);
+  M map;
+  InsertAll(map, Ascending(n));
+  Keys const keys = Orders(n).Next();
+  for (auto _ : state)
+    for (int const key : keys)
+      benchmark::DoNotOptimize(ValueOf(map, key));
 }
 
 template <class M>
 void FindMiss(State& state, unsigned int n) {
-  Lookups<M>(state, n, mostLookups, 1, [](M& map, int key) { return map.find(key) == map.end(); });
+  Lookups<M>(state, n, 1, [](M& map, int key) { return map.find(key) == map.end(); });
 }
 
 template <class M>
 void IndexPresent(State& state, unsigned int n) {
-  Lookups<M>(state, n, mostLookups, 0, [](M& map, int key) { return map[key] += 1; });
+  Lookups<M>(state, n, 0, [](M& map, int key) { return map[key] += 1; });
 }
 
 template <class M>
 void Erase(State& state, unsigned int n) {
   TidyHeap();
-  Orders inserted(n, 1), erased(n, 2);
+  Orders inserted(n), erased(n);
   M map;
   for (auto _ : state) {
     state.PauseTiming();
@@ -187,7 +189,7 @@ template <class M>
 void Iterate(State& state, unsigned int n) {
   TidyHeap();
   M map;
-  InsertAll(map, Orders(n, 1).Next());
+  InsertAll(map, Orders(n).Next());
   for (auto _ : state) {
     typename M::mapped_type sum = 0;
     for (auto const& element : map)
@@ -200,7 +202,7 @@ template <class M>
 void Copy(State& state, unsigned int n) {
   TidyHeap();
   M map;
-  InsertAll(map, Orders(n, 1).Next());
+  InsertAll(map, Orders(n).Next());
   for (auto _ : state) {
     auto copy = std::make_unique<M>(map);
     state.PauseTiming();
@@ -212,7 +214,7 @@ void Copy(State& state, unsigned int n) {
 template <class M>
 void Clear(State& state, unsigned int n) {
   TidyHeap();
-  Orders orders(n, 1);
+  Orders orders(n);
   M map;
   for (auto _ : state) {
     state.PauseTiming();

@@ -62,6 +62,7 @@ void RegisterFor(std::string const& type, char const* who) {
       char* const middle = static_cast<char*>(v.Begin()) + n / 2 * sizeof(Record);
       v.Erase(v.Insert(middle, &value));
     }
+    compare::CountOperations(state, 1);
   });
   add("fill", [=](State& state, unsigned int n) {
     V v = Empty<V, Record>();

@@ -1,10 +1,9 @@
-// The sorts beside std::sort and boost::sort::pdqsort on the same arrays. Every iteration sorts
-// fresh copies, and copying is not timed. Short arrays come many at a time and differ where the
-// pattern lets them, so that the processor cannot learn them by heart.
+// The sorts beside std::sort and Boost's two quicksorts that defeat patterns. Every iteration sorts
+// arrays made anew, which is not timed, and short arrays come many at a time, so that the processor
+// cannot learn them by heart.
 #include <algorithm>
 #include <cstddef>
 #include <numeric>
-#include <random>
 #include <string>
 #include <utility>
 #include <vector>
@@ -14,27 +13,13 @@
 #include "Compare.h"
 #include "HYLBasSortGenericIx.h"
 #include "HYLBasSortSpecial.h"
+#include "SortPatterns.h"
 
 namespace {
 
 using benchmark::State;
+using patterns::Pattern;
 using Pair = HYLBasPair<int, int>;
-
-std::mt19937 generator(1); // NOLINT(cert-msc51-cpp): the same arrays in every run
-
-struct Pattern {
-  char const* name;
-  int (*valueAt)(unsigned int i, unsigned int n);
-};
-constexpr Pattern patterns[] = {
-    {"random", [](unsigned int, unsigned int) { return static_cast<int>(generator() >> 1); }},
-    {"sorted", [](unsigned int i, unsigned int) { return static_cast<int>(i); }},
-    {"reversed", [](unsigned int i, unsigned int n) { return static_cast<int>(n - i); }},
-    {"16-values", [](unsigned int, unsigned int) { return static_cast<int>(generator() % 16); }},
-    {"organ-pipe",
-     [](unsigned int i, unsigned int n) { return static_cast<int>(std::min(i, n - i)); }},
-};
-constexpr unsigned int sizes[] = {16, 1000, 100000, 1000000};
 
 // Distinct values stay distinct and in order in every element type; equal ones differ in a pair's
 // second field.
@@ -55,35 +40,47 @@ Pair ElementOf<Pair>(int value) {
 
 // Arrays of `n` elements, one after the other.
 template <class T>
-std::vector<T> Arrays(Pattern const& pattern, unsigned int n) {
-  constexpr unsigned int atLeast = 65536;
-  std::vector<T> elements;
-  do {
-    for (unsigned int i = 0; i != n; ++i)
-      elements.push_back(ElementOf<T>(pattern.valueAt(i, n)));
-  } while (elements.size() < atLeast);
-  return elements;
-}
+class Arrays {
+public:
+  Arrays(Pattern const& pattern, unsigned int n)
+      : m_pattern(pattern), m_random(compare::FreshRandom()), m_values(n),
+        m_elements(std::max(1u, 65536 / n) * std::size_t{n}) {}
+
+  std::vector<T>& Renew() {
+    for (std::size_t i = 0; i != m_elements.size(); i += m_values.size()) {
+      m_pattern.fill(m_values, m_random);
+      std::transform(m_values.begin(), m_values.end(), &m_elements[i], ElementOf<T>);
+    }
+    return m_elements;
+  }
+  std::size_t Size() const { return m_elements.size(); }
+
+private:
+  Pattern m_pattern;
+  compare::Random m_random;
+  std::vector<int> m_values; // of one array
+  std::vector<T> m_elements;
+};
 
 template <class T, class Sort>
 void SortArrays(State& state, Pattern const& pattern, unsigned int n, Sort sort) {
-  std::vector<T> const source = Arrays<T>(pattern, n);
-  std::vector<T> work(source.size());
+  Arrays<T> arrays(pattern, n);
   for (auto _ : state) {
     state.PauseTiming();
-    std::copy(source.begin(), source.end(), work.begin());
+    std::vector<T>& work = arrays.Renew();
     state.ResumeTiming();
     for (std::size_t i = 0; i != work.size(); i += n)
       sort(work.data() + i, work.data() + i + n);
     benchmark::ClobberMemory();
   }
+  compare::CountOperations(state, arrays.Size());
 }
 
 template <class T>
 void RegisterWhole(std::string const& type) {
-  for (Pattern const& pattern : patterns)
-    for (unsigned int const n : sizes) {
-      if (n == 16 && pattern.valueAt != patterns[0].valueAt) continue;
+  for (Pattern const& pattern : patterns::all)
+    for (unsigned int const n : compare::Sizes({16, 1000, 100000, 1000000})) {
+      if (n < 1000 && pattern.fill != patterns::Draw) continue; // patterns need some room
       auto const add = [&](char const* who, auto sort) {
         compare::Register(
             "sort/" + std::string(pattern.name) + '/' + type, n, who,
@@ -92,23 +89,28 @@ void RegisterWhole(std::string const& type) {
       add("ours", [](T* first, T* last) { HYLBasSortSpecial(first, last); });
       add("std::sort", [](T* first, T* last) { std::sort(first, last); });
       add("pdqsort", [](T* first, T* last) { boost::sort::pdqsort(first, last); });
+      // What the former takes for numbers by itself.
+      if constexpr (std::is_same_v<T, Pair>)
+        add("pdqsort_branchless",
+            [](T* first, T* last) { boost::sort::pdqsort_branchless(first, last); });
     }
 }
 
 // Two parallel arrays: the second one is the first one's positions.
 template <class Sort>
 void SortTwo(State& state, unsigned int n, Sort sort) {
-  std::vector<int> const source = Arrays<int>(patterns[0], n);
-  std::vector<int> work(source.size()), partners(source.size());
+  Arrays<int> arrays(patterns::all[0], n);
+  std::vector<int> partners(arrays.Size());
   for (auto _ : state) {
     state.PauseTiming();
-    std::copy(source.begin(), source.end(), work.begin());
+    std::vector<int>& work = arrays.Renew();
     std::iota(partners.begin(), partners.end(), 0);
     state.ResumeTiming();
     for (std::size_t i = 0; i != work.size(); i += n)
       sort(work.data() + i, partners.data() + i, n);
     benchmark::ClobberMemory();
   }
+  compare::CountOperations(state, arrays.Size());
 }
 
 void SortTwoAsPairs(int* first, int* second, unsigned int n) {
@@ -128,15 +130,20 @@ bool IsLess(unsigned int a, unsigned int b, void const* values, void const*) {
 
 template <class Sort>
 void SortIndices(State& state, Pattern const& pattern, unsigned int n, Sort sort) {
-  std::vector<int> const values = Arrays<int>(pattern, n);
+  Arrays<int> arrays(pattern, n);
   HYLBasVector<unsigned int> indices;
-  for (auto _ : state)
+  for (auto _ : state) {
+    state.PauseTiming();
+    std::vector<int> const& values = arrays.Renew();
+    state.ResumeTiming();
     for (std::size_t i = 0; i != values.size(); i += n) {
       HYLBasIxComparitor comparitor{IsLess, values.data() + i, nullptr};
       benchmark::DoNotOptimize(comparitor); // neither may know the function
       sort(n, indices, comparitor);
       benchmark::ClobberMemory();
     }
+  }
+  compare::CountOperations(state, arrays.Size());
 }
 
 void SortIndicesByStd(unsigned int n, HYLBasVector<unsigned int>& indices,
@@ -150,7 +157,7 @@ bool const isRegistered = [] {
   RegisterWhole<int>("int");
   RegisterWhole<long long>("int64");
   RegisterWhole<Pair>("pair");
-  for (unsigned int const n : sizes) {
+  for (unsigned int const n : compare::Sizes({16, 1000, 100000, 1000000})) {
     auto const addTwo = [n](char const* who, auto sort) {
       compare::Register("sort-two/random/int", n, who,
                         [=](State& state, unsigned int size) { SortTwo(state, size, sort); });
@@ -160,8 +167,8 @@ bool const isRegistered = [] {
     });
     addTwo("std::sort", SortTwoAsPairs);
   }
-  for (Pattern const& pattern : patterns)
-    for (unsigned int const n : sizes) {
+  for (Pattern const& pattern : patterns::all)
+    for (unsigned int const n : compare::Sizes({1000, 100000, 1000000})) {
       auto const addIndex = [&](char const* who, auto sort) {
         compare::Register(
             "sort-index/" + std::string(pattern.name) + "/int", n, who,

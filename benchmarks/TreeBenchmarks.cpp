@@ -2,7 +2,6 @@
 // beside the same tree written plainly.
 #include <algorithm>
 #include <cstring>
-#include <random>
 #include <vector>
 
 #include "Compare.h"
@@ -104,11 +103,11 @@ private:
   void const* m_context;
 };
 
-std::vector<int> Shuffled(unsigned int n, unsigned int seed) {
+std::vector<int> Shuffled(unsigned int n) {
   std::vector<int> keys(n);
   for (unsigned int i = 0; i != n; ++i)
     keys[i] = static_cast<int>(i);
-  std::shuffle(keys.begin(), keys.end(), std::mt19937(seed));
+  std::shuffle(keys.begin(), keys.end(), compare::FreshRandom());
   return keys;
 }
 
@@ -130,7 +129,7 @@ struct Cases {
 
   // From the first element to the release of all memory.
   static void FillAndClear(State& state, unsigned int n) {
-    std::vector<int> const keys = Shuffled(n, 1);
+    std::vector<int> const keys = Shuffled(n);
     for (auto _ : state) {
       Tree tree = Make();
       InsertAll(tree, keys);
@@ -139,15 +138,15 @@ struct Cases {
 
   static void Find(State& state, unsigned int n) {
     Tree tree = Make();
-    InsertAll(tree, Shuffled(n, 1));
-    std::vector<int> const keys = Shuffled(n, 2);
+    InsertAll(tree, Shuffled(n));
+    std::vector<int> const keys = Shuffled(n);
     for (auto _ : state)
       for (int const& key : keys)
         benchmark::DoNotOptimize(tree.Find(&key));
   }
 
   static void Erase(State& state, unsigned int n) {
-    std::vector<int> const keys = Shuffled(n, 1), erased = Shuffled(n, 2);
+    std::vector<int> const keys = Shuffled(n), erased = Shuffled(n);
     Tree tree = Make();
     for (auto _ : state) {
       state.PauseTiming();

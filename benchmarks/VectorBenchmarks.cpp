@@ -73,6 +73,7 @@ void InsertOneInTheMiddle(State& state, unsigned int n) {
     v.insert(v.begin() + n / 2, 7);
     v.pop_back();
   }
+  compare::CountOperations(state, 1);
 }
 
 template <class V>
@@ -83,6 +84,7 @@ void Insert64InTheMiddle(State& state, unsigned int n) {
     v.insert(v.begin() + n / 2, 64u, 7);
     v.resize(n);
   }
+  compare::CountOperations(state, 1);
 }
 
 template <class V>
@@ -92,6 +94,7 @@ void EraseInTheMiddle(State& state, unsigned int n) {
     v.erase(v.begin() + n / 2);
     v.push_back(7);
   }
+  compare::CountOperations(state, 1);
 }
 
 template <class V>
