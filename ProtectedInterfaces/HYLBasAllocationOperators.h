@@ -4,6 +4,14 @@
 /// Linking the library replaces the process's global `operator new` and `operator new[]` by forms
 /// that return null on exhaustion instead of throwing, unless the library was built with
 /// `HYLBAS_EXPORT_GLOBAL_NEW` off. The operators below are there in either case.
+///
+/// While memory is exhausted, every form that takes it from the runtime heap (the global ones and
+/// the debug forms) calls the installed new handler and tries again, and returns null when there is
+/// no handler. A handler that throws has reported failure: the plain global forms let its exception
+/// out, because compilers take them never to return null; the `std::nothrow` forms, which are the
+/// runtime's and call the plain ones, and the debug forms catch it and return null. The forms that
+/// take memory from the memory library leave exhaustion to that: this repository's calls no handler
+/// for them and throws `std::bad_alloc`.
 #pragma once
 
 #include <cstddef>
@@ -28,9 +36,9 @@ HYLBASGENERICS_EXPORT void mem_deleteBuiltIn(int* array);
 HYLBASGENERICS_EXPORT void mem_deleteBuiltIn(double* array);
 
 /// Debug forms, with block type, file name and line, which are ignored: as the library's global
-/// `operator new(size)`, null on exhaustion, also where a new handler throws. Release with the
-/// global `operator delete`. There is no matching placement form of it: a block is lost when the
-/// constructor that follows throws.
+/// `operator new(size)`, null on exhaustion; never throw, so that a new-expression tests their
+/// result: null too where a new handler throws. Release with the global `operator delete`. There is
+/// no matching placement form of it: a block is lost when the constructor that follows throws.
 HYLBASGENERICS_EXPORT void* operator new(std::size_t size, int blockType, char const* file,
                                          int line) noexcept;
 HYLBASGENERICS_EXPORT void* operator new[](std::size_t size, int blockType, char const* file,

@@ -30,6 +30,7 @@
 #include "HYLBasTreeNodeGeneric.h"
 #include "detail/HYLBasExport.h"
 #include "detail/HYLBasInstantiations.h"
+#include "detail/HYLBasPlainElement.h"
 #include "detail/HYLBasTreeDescent.h"
 
 namespace hylbas_detail {
@@ -49,8 +50,9 @@ static_assert(sizeof(void*) != 4 ||
               (valueOffset<MapElement<double>> == 24 && nodeSize<MapElement<double>> == 40));
 
 /// What a tree with elements `T` and the library's `int` comparator does by its members of the same
-/// names, without a call: to a small map that is half of the time. Not members of the map, because
-/// consumers expect those of the library, which does not export them.
+/// names, but inline: with a small map, calling into the library takes half of the time. They stand
+/// outside of the map because the library holds, and exports, every member of its maps: consumers
+/// would call these there too, and they are not to be exported.
 template <class T>
 struct InlineTree {
   using Tree = HYLBasTreeGeneric<HYLBasNodeAllocator>;
@@ -69,7 +71,9 @@ struct InlineTree {
   static HYLBasPairIterBoolGeneric InsertUnique(Tree& tree, T const& element) {
     Leaf const leaf = FindLeafFromEnd(tree.End(), valueOffset<T>, &element, Order());
     if (leaf.IsAfterEquivalent(valueOffset<T>, &element, Order())) return {leaf.before, false};
-    // There the side is found again: to pass what is known would take a jump nobody can predict.
+    // The descent has told the side of `leaf.parent` on which the element goes, but TreeNodeInsert
+    // takes only "left" as an answer, by a non-null first argument, and else compares once more.
+    // That comparison costs less than choosing the argument by a jump that nobody can predict.
     return {tree.TreeNodeInsert(nullptr, leaf.parent, &element), true};
   }
 
@@ -89,6 +93,7 @@ struct InlineTree {
 template <class K, class V>
 class HYLBASGENERICS_EXPORT HYLBasMap {
   static_assert(std::is_same_v<K, int>, "the keys of a HYLBasMap are int");
+  static_assert(hylbas_detail::RequirePlainElement<V>::value);
 
 public:
   using key_type = K;
@@ -234,6 +239,12 @@ private:
 
   HYLBasTreeGeneric<HYLBasNodeAllocator> m_tree;
 };
+
+/// `a.swap(b)`, for code that exchanges two objects of any type by an unqualified `swap`.
+template <class K, class V>
+void swap(HYLBasMap<K, V>& a, HYLBasMap<K, V>& b) {
+  a.swap(b);
+}
 
 // The instantiations live in the library.
 #define HYLBAS_DECLARE_MAP(V) extern template class HYLBasMap<int, V>;

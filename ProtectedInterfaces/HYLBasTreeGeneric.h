@@ -30,6 +30,8 @@
 /// Lookup and insertion take O(log n) comparisons, a correct hint makes that O(1).
 #pragma once
 
+#include <type_traits>
+
 #include "HYLBasComparitor.h"
 #include "HYLBasNodeAllocator.h"
 #include "HYLBasNodeOffsets.h"
@@ -51,6 +53,12 @@ class TreeAlgorithms;
 /// `HYLBasMemTruePool`.
 template <class A>
 class HYLBASGENERICS_EXPORT HYLBasTreeGeneric {
+  static_assert(std::is_same_v<A, HYLBasNodeAllocator> ||
+                    std::is_same_v<A, HYLBasNodeTrackingAllocator> ||
+                    std::is_same_v<A, HYLBasMemTruePool>,
+                "HYLBasTreeGeneric takes HYLBasNodeAllocator, HYLBasNodeTrackingAllocator or "
+                "HYLBasMemTruePool");
+
   using Node = HYLBasTreeNodeGeneric;
 
 public:
@@ -211,6 +219,12 @@ private:
   void const* m_context;
   Node* m_header;
 };
+
+/// `a.Swap(&b)`, for code that exchanges two objects of any type by an unqualified `swap`.
+template <class A>
+void swap(HYLBasTreeGeneric<A>& a, HYLBasTreeGeneric<A>& b) {
+  a.Swap(&b);
+}
 
 // The instantiations live in the library.
 extern template class HYLBasTreeGeneric<HYLBasMemTruePool>;

@@ -2,6 +2,7 @@
 /// The typed iterator of the ordered maps.
 #pragma once
 
+#include <concepts>
 #include <cstddef>
 #include <iterator>
 #include <type_traits>
@@ -30,7 +31,8 @@ struct NoIterator {
 template <class T, class Reference, class Pointer>
 class HYLBASGENERICS_EXPORT HYLBasTreeIterator {
   using IsModifying = std::is_same<Pointer, T*>;
-  // What converts to this kind, and what only this kind has to be compared with.
+  // The other kind, each seen from one side only. The reading kind is made from a `Modifying`; the
+  // modifying kind compares itself with a `Reading`, as it is the one that would have to convert.
   using Modifying = std::conditional_t<IsModifying::value, hylbas_detail::NoIterator,
                                        HYLBasTreeIterator<T, T&, T*>>;
   using Reading = std::conditional_t<IsModifying::value, HYLBasTreeIterator<T, T const&, T const*>,
@@ -56,8 +58,15 @@ public:
   /// @{
   bool operator==(HYLBasTreeIterator const& other) const { return m_node == other.m_node; }
   bool operator!=(HYLBasTreeIterator const& other) const { return m_node != other.m_node; }
-  bool operator==(Reading const& other) const { return m_node == other.m_node; }
-  bool operator!=(Reading const& other) const { return m_node != other.m_node; }
+  // Templates, so that they take that kind alone: a node converts to either.
+  template <std::same_as<Reading> Other>
+  bool operator==(Other const& other) const {
+    return m_node == other.m_node;
+  }
+  template <std::same_as<Reading> Other>
+  bool operator!=(Other const& other) const {
+    return m_node != other.m_node;
+  }
   /// @}
 
   /// The element; not defined at the end position.

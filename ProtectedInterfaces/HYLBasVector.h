@@ -300,5 +300,22 @@ private:
 HYLBAS_FOR_EACH_PLAIN_TYPE(HYLBAS_DECLARE_VECTOR)
 #undef HYLBAS_DECLARE_VECTOR
 
+// Of the vector of pairs the library holds the members that its paired sort uses.
+#define HYLBAS_INSTANTIATE_PAIR_VECTOR(keyword)                                                    \
+  keyword template HYLBASGENERICS_EXPORT HYLBasVector<HYLBasPair<int, int>>::HYLBasVector(         \
+      unsigned int);                                                                               \
+  keyword template HYLBASGENERICS_EXPORT HYLBasVector<HYLBasPair<int, int>>::HYLBasVector(         \
+      unsigned int, HYLBasPair<int, int> const&);                                                  \
+  keyword template HYLBASGENERICS_EXPORT HYLBasVector<HYLBasPair<int, int>>::~HYLBasVector();      \
+  keyword template HYLBASGENERICS_EXPORT HYLBasPair<int, int>*                                     \
+  HYLBasVector<HYLBasPair<int, int>>::begin();                                                     \
+  keyword template HYLBASGENERICS_EXPORT HYLBasPair<int, int>*                                     \
+  HYLBasVector<HYLBasPair<int, int>>::end();                                                       \
+  keyword template HYLBASGENERICS_EXPORT void HYLBasVector<HYLBasPair<int, int>>::swap(            \
+      HYLBasVector&);                                                                              \
+  keyword template HYLBASGENERICS_EXPORT HYLBasVectorGeneric&                                      \
+  HYLBasVector<HYLBasPair<int, int>>::Generic();
+HYLBAS_INSTANTIATE_PAIR_VECTOR(extern)
+
 static_assert(sizeof(HYLBasVector<int>) == sizeof(HYLBasVectorGeneric));
 static_assert(std::is_standard_layout_v<HYLBasVector<int>>);

@@ -257,7 +257,22 @@ TYPED_TEST(Map, IteratorsServeStandardAlgorithms) {
   EXPECT_TRUE(reading == m.begin() && m.begin() == reading);
   ++reading;
   EXPECT_TRUE(reading != m.begin() && m.begin() != reading);
-  EXPECT_TRUE(Iterator(HYLBasTreeIteratorGeneric(reading.m_node)) == reading);
+  HYLBasTreeNodeGeneric* const node = reading.m_node;
+  HYLBasTreeIteratorGeneric const generic(node);
+  EXPECT_TRUE(Iterator(node) == generic && Iterator(generic) == node && reading == node);
+  EXPECT_TRUE(m.begin() != node && m.begin() != generic && m.end() != generic);
+  Ours other;
+  swap(m, other);
+  EXPECT_TRUE(m.empty() && other.size() == 4);
 }
 
+struct Plain {
+  double x;
+  char letter;
+};
+
 } // namespace
+
+// All members of maps that the library holds no code of.
+template class HYLBasMap<int, Plain>;
+template class HYLBasMap<int, short>;

@@ -116,6 +116,16 @@ TEST(TreeNode, LongRandomSequences) {
   }
 }
 
+TEST(TreeNode, InsertionNeverLooksThroughTheRootsParent) {
+  Node a = {e_black, 0, nullptr, nullptr, nullptr}, b = {e_red, 0, &a, nullptr, nullptr}, c = b;
+  Node* root = &a;
+  a.m_right = &b;
+  c.m_parent = &b;
+  b.m_right = &c;
+  HYLBasTreeRebalance(&c, root);
+  EXPECT_TRUE(root == &b && b.m_left == &a && b.m_right == &c && b.m_parent == nullptr);
+}
+
 TEST(TreeNode, RotationsAreEachOthersInverse) {
   Node header = {}, x = {}, y = {}, inner = {};
   header.m_parent = &x;

@@ -43,9 +43,12 @@ void RotateLeft(Node* x, Node*& root) {
 
 bool IsRightChild(Node const* x) { return x->m_parent->m_left != x; }
 
-// The field that holds the node `x`: which one it is cannot be predicted.
+// The field that holds the node `x`, chosen without a jump: on which side a node is cannot be
+// predicted. The root's parent is not looked at, since a caller's tree may have none there; the
+// root's own fields stand in for it.
 Node*& Holder(Node* x, Node*& root) {
-  Node** const field = &hylbas_detail::Child(x->m_parent, IsRightChild(x));
+  Node* const parent = hylbas_detail::Choose(x == root, x, x->m_parent);
+  Node** const field = &hylbas_detail::Child(parent, parent->m_left != x);
   return *(x == root ? &root : field);
 }
 
@@ -117,10 +120,13 @@ Place Unlink(Node* z, Node*& root, Node*& leftmost, Node*& rightmost) {
   return {x, z->m_parent};
 }
 
-// Adds the black node that the paths through `place`, the `L` child, lack. Returns false where
-// the paths through its parent lack it now, and moves `place` there.
+// The paths from the root through `place`, the `L` child of its parent, pass one black node less
+// than all others. Makes up for it by recolouring and rotating around the parent, and returns true.
+// Where no node nearby is red there is none to turn black: then takes a black node from the other
+// side too, so that all paths through the parent are one short, moves `place` to the parent, and
+// returns false.
 template <Link L, Link R>
-bool AddBlack(Place& place, Node*& root) {
+bool LengthenPaths(Place& place, Node*& root) {
   Node* const parent = place.parent;
   Node* w = parent->*R;
   if (w->m_color == e_red) {
@@ -150,8 +156,8 @@ bool AddBlack(Place& place, Node*& root) {
 void RestoreBlackCount(Place place, Node*& root) {
   bool done = false;
   while (!done && place.x != root && !IsRed(place.x))
-    done = place.x == place.parent->m_left ? AddBlack<left, right>(place, root)
-                                           : AddBlack<right, left>(place, root);
+    done = place.x == place.parent->m_left ? LengthenPaths<left, right>(place, root)
+                                           : LengthenPaths<right, left>(place, root);
   if (place.x != nullptr) place.x->m_color = e_black;
 }
 

@@ -3,6 +3,8 @@
 /// compare, for every order. `HYLBasTreeGeneric<A>` befriends `TreeAlgorithms<A>`.
 #pragma once
 
+#include <cstdint>
+
 #include "HYLBasTreeGeneric.h"
 #include "HYLBasTreeIteratorGeneric.h"
 #include "NodeMemory.h"
@@ -23,20 +25,28 @@ inline HYLBasTreeNodeGeneric* Predecessor(HYLBasTreeNodeGeneric* x) {
   return position.m_node;
 }
 
-/// Nodes still to be released. Each is asked for from memory when it is added, and so is what comes
-/// after it, where heaps look when they take a block back. They come out level by level in batches
-/// of neighbours: late enough to have arrived, and with few other nodes between those that lie
-/// together, so that a heap that reuses blocks in this order keeps trees together.
+/// The nodes of a tree that are still to be released, in the order in which to release them.
+///
+/// Releasing is slow where it waits for memory: for the node, whose links lead on, and for the
+/// bytes behind its block, which heaps read when they take a block back. So `Add` prefetches both,
+/// and a node comes out only when others that were added before it have been dealt with.
+///
+/// Nodes fill a batch, which comes out first in, first out: a piece of the tree, level by level.
+/// What no longer fits goes to a stack, whose top starts the next batch, with the nodes below it.
+/// Thus nodes that are near each other in the tree are released one soon after the other, and a
+/// heap that hands blocks out again in the order of their release gives a tree that is built next
+/// nodes near each other.
 class PendingNodes {
 public:
-  explicit PendingNodes(int nodeSize) : m_nodeSize(nodeSize) {}
+  explicit PendingNodes(int nodeSize) : m_nodeSize(static_cast<unsigned int>(nodeSize)) {}
 
   bool HasRoom() const { return m_stacked + 2 <= sizeof m_stack / sizeof m_stack[0]; }
 
   // Null is left out, without a jump: half of all children are null, in no order.
   void Add(HYLBasTreeNodeGeneric* x) {
     __builtin_prefetch(x);
-    __builtin_prefetch(reinterpret_cast<char const*>(x) + m_nodeSize);
+    // As a number, because a null pointer must not be added to.
+    __builtin_prefetch(reinterpret_cast<void*>(reinterpret_cast<std::uintptr_t>(x) + m_nodeSize));
     if (m_batched != batchSize) {
       m_batch[m_batched] = x;
       m_batched += x != nullptr;
@@ -59,7 +69,7 @@ public:
 
 private:
   static constexpr unsigned int batchSize = 64;
-  int const m_nodeSize; // in bytes
+  unsigned int const m_nodeSize; // in bytes
   HYLBasTreeNodeGeneric* m_batch[batchSize];
   HYLBasTreeNodeGeneric* m_stack[1024]; // more than balanced trees need
   unsigned int m_visited = 0, m_batched = 0, m_stacked = 0;
