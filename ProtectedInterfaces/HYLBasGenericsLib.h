@@ -6,6 +6,12 @@
 /// initialise it again; every initialisation needs its finalisation. Calls are counted, per layer:
 /// the library as a whole, its generics module, and the library-specific layer.
 ///
+/// Unloading is what happens when the process ends, or at the last `dlclose`. There is one
+/// exception to the latter: where the library was what brought the C++ runtime into the process, as
+/// in a host written in C, the runtime calls the library's global `operator new`, and the system's
+/// loader keeps the library, initialised, until the process ends. Built without
+/// `HYLBAS_EXPORT_GLOBAL_NEW` it always goes.
+///
 /// The `tally` of every entry point belongs to the caller: it rises by 1 for each layer that the
 /// call really starts (its count leaves 0) and falls by 1 for each layer that it really stops (its
 /// count is back at 0). The memory library counts its own start and stop on it too. A call that

@@ -1,5 +1,7 @@
 // Loads the library at run time, as a plug-in host does, and shows that loading starts it once and
-// unloading stops it once. Arguments: the memory library's file, the library's file.
+// unloading stops it once. Arguments: the memory library's file, the library's file. With the
+// library's file alone, shows what unloading does in a host that has no C++ runtime of its own. So
+// this program calls nothing of the runtime, and is linked without it.
 #include <cstdio>
 #include <cstdlib>
 
@@ -61,9 +63,31 @@ void ExpectLoadStartsOnceAndUnloadStopsOnce(char const* libraryFile, EntryPoint*
   Expect("memory library after unload", StartAndStop(allocInitialize, allocFinalize), 1);
 }
 
+// The runtime that the library brings along calls the library's operator new, and so keeps it.
+void ExpectLoadToStayWhereItBringsTheRuntime(char const* libraryFile) {
+  char const* const operatorNew = sizeof(void*) == 8 ? "_Znwm" : "_Znwj";
+  bool const stays = HYLBAS_EXPORT_GLOBAL_NEW && dlsym(RTLD_DEFAULT, operatorNew) == nullptr;
+  for (int round = 0; round != 2; ++round) {
+    void* const library = Load(libraryFile);
+    auto* const initialize = Find(library, "_Z28HYLBasGenericsLib_initializeRi");
+    auto* const finalize = Find(library, "_Z26HYLBasGenericsLib_finalizeRi");
+    Expect("loaded library", StartAndStop(initialize, finalize), 0);
+    Expect("unload", dlclose(library), 0);
+    void* const left = dlopen(libraryFile, RTLD_NOW | RTLD_NOLOAD);
+    Expect("left in memory", left != nullptr, stays);
+    if (left == nullptr) continue;
+    Expect("library that stays", StartAndStop(initialize, finalize), 0);
+    dlclose(left);
+  }
+}
+
 } // namespace
 
 int main(int argc, char** argv) {
+  if (argc == 2) {
+    ExpectLoadToStayWhereItBringsTheRuntime(argv[1]);
+    return failures == 0 ? 0 : 1;
+  }
   if (argc != 3) return 2;
   // Held all the time, so that its count outlives the library.
   void* const alloc = Load(argv[1]);
