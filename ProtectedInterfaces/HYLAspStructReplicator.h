@@ -15,7 +15,7 @@ public:
   using DestroyFunction = HYLBasReplicatorGeneric::DestroyFunction;
 
   /// Records of `size` bytes (at least 1) that need no destruction.
-  HYLBASGENERICS_EXPORT_INLINE explicit HYLAspStructReplicator(int size)
+  HYLBASGENERICS_EXPORT_INLINE HYLAspStructReplicator(int size)
       : m_size(size), m_destroy(nullptr) {}
   HYLBASGENERICS_EXPORT_INLINE HYLAspStructReplicator(HYLAspStructReplicator const& other)
       : m_size(other.m_size), m_destroy(other.m_destroy) {}

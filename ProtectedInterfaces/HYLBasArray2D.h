@@ -16,6 +16,11 @@
 ///   It never releases a borrowed one. What it adopts must come from the memory library.
 /// - Assignment, `Resize`, `AdoptMemory`, `BorrowMemory` and being the result of an extraction
 ///   replace the block: references to elements and pointers to the memory are then invalid.
+/// - `T` is a plain type, as in `HYLBasVector.h`. The library holds the code for `int` and
+/// `double`;
+///   for other types it comes into being in your program, with everything but the norms.
+/// - Elements are copied with all their bits. A value that a member takes by value arrives there as
+///   your compiler passes it: one that computes with the x87 unit changes signalling NaNs.
 /// - Every element access is checked, in every build. A failed check is reported through
 ///   `QELFatalError` with "AssertionFailed:" and the text of the condition; where the service
 ///   returns, the process ends, unless said otherwise. `GetPointerToMemory` is the unchecked way.
@@ -40,6 +45,7 @@
 #include "HYLBasVector.h"
 #include "LUXCORE.h"
 #include "TARNHYLBasAlloc.h"
+#include "detail/HYLBasElementBytes.h"
 #include "detail/HYLBasExport.h"
 #include "detail/HYLBasPlainElement.h"
 
@@ -49,8 +55,9 @@ inline void ReportArray2D(char const* message, int line) {
   QELFatalError(message, nullptr, nullptr, nullptr, "ProtectedInterfaces/HYLBasArray2D", line);
 }
 
-// Takes nothing of the array, and does not return: so a check costs no more than its comparisons,
-// and nothing needs to be read again after it.
+// It is given neither the array nor any address in it, and it never returns. Compilers see that it
+// cannot change the array, and that what comes after a check may rely on the condition. So a check
+// costs its comparisons alone, and loops keep the array's fields in registers.
 [[noreturn, gnu::cold, gnu::noinline]] inline void FailArray2DCheck(char const* message, int line) {
   ReportArray2D(message, line);
   std::abort();
@@ -73,9 +80,9 @@ inline std::size_t CountElements(int m, int n) {
 }
 
 template <class T>
-T* NewFilledBlock(int m, int n, T value) {
+T* NewFilledBlock(int m, int n, T const& value) {
   T* const block = NewBlock<T>(m, n);
-  std::fill_n(block, CountElements(m, n), value);
+  FillElements(block, CountElements(m, n), value);
   return block;
 }
 
@@ -96,7 +103,7 @@ T* NewBlockCopy(int m, int n, T const* source) {
 template <class T>
 [[gnu::cold, gnu::noinline]] void CopyOneByOne(T const* from, int count, T* to) {
   for (int k = 0; k < count; ++k)
-    to[k] = from[k];
+    CopyElement(from + k, to + k);
 }
 
 /// The same; as one block move unless the target starts inside the source, where it would differ.
@@ -125,7 +132,7 @@ struct Line {
       CopyRun(static_cast<T const*>(first), count, to);
     } else {
       for (int k = 0; k < count; ++k)
-        to[k] = first[static_cast<std::ptrdiff_t>(k) * step];
+        CopyElement(first + static_cast<std::ptrdiff_t>(k) * step, to + k);
     }
   }
   void CopyFrom(T const* from) const {
@@ -133,7 +140,7 @@ struct Line {
       CopyRun(from, count, first);
     } else {
       for (int k = 0; k < count; ++k)
-        first[static_cast<std::ptrdiff_t>(k) * step] = from[k];
+        CopyElement(from + k, first + static_cast<std::ptrdiff_t>(k) * step);
     }
   }
 };
@@ -183,7 +190,7 @@ void CopyFromEachLine(T const* from, int lines, int length, int const* chosen, i
     T const* const source = from + static_cast<std::ptrdiff_t>(line) * length;
     T* const target = to + static_cast<std::ptrdiff_t>(line) * toLength;
     for (int k = 0; k < count; ++k)
-      target[k] = source[chosen[k]];
+      CopyElement(source + chosen[k], target + k);
   }
 }
 
@@ -219,9 +226,10 @@ inline double NormInf(double const* x, int count) {
 } // namespace hylbas_detail
 
 /// The message of a failed check is the text of its condition, so the names in it are part of what
-/// is reported.
-#define HYLBAS_ARRAY2D_CHECK(condition) HYLBAS_ARRAY2D_CHECK_AS(condition, #condition)
-#define HYLBAS_ARRAY2D_CHECK_AS(condition, text)                                                   \
+/// is reported. A check stands on one line, because compilers do not agree on the line of a macro
+/// that spans several.
+#define HYLBAS_CHECK(condition) HYLBAS_CHECK_AS(condition, #condition)
+#define HYLBAS_CHECK_AS(condition, text)                                                           \
   ((condition) ? void() : hylbas_detail::FailArray2DCheck("AssertionFailed:" text, __LINE__))
 
 /// The dense two-dimensional array, row-major (`Order` 0) or column-major (1). The library holds it
@@ -288,7 +296,7 @@ public:
     }
   }
 
-  /// An owned copy, also of an array that borrows.
+  /// An owned copy, also of an array that borrows, whose block must still be there.
   HYLBasArray2D(HYLBasArray2D const& other) : m_m(), m_n(), m_data(nullptr), m_memType(e_copy) {
     Copy(other.m_m, other.m_n, other.m_data);
   }
@@ -344,8 +352,8 @@ public:
   /// Every element becomes `value`, which may be one of them. Reported when there is no block or a
   /// dimension is below 1. Linear.
   void SetValue(T const& value) {
-    HYLBAS_ARRAY2D_CHECK(m_data && m_m > 0 && m_n > 0);
-    std::fill_n(m_data, hylbas_detail::CountElements(m_m, m_n), T(value));
+    HYLBAS_CHECK(m_data && m_m > 0 && m_n > 0);
+    hylbas_detail::FillElements(m_data, hylbas_detail::CountElements(m_m, m_n), value);
   }
 
   void GetSize(int& m, int& n) const {
@@ -371,7 +379,7 @@ public:
   class HYLBASGENERICS_EXPORT SpecializedParenthesis<U, 0> {
   public:
     static U const& Parenthesis(U* _data, int _m, int _n, int _i, int _j) {
-      HYLBAS_ARRAY2D_CHECK(_data && _i >= 0 && _i < _m && _j >= 0 && _j < _n);
+      HYLBAS_CHECK(_data && _i >= 0 && _i < _m && _j >= 0 && _j < _n);
       return _data[static_cast<std::ptrdiff_t>(_i) * _n + _j];
     }
   };
@@ -381,7 +389,7 @@ public:
   class HYLBASGENERICS_EXPORT SpecializedParenthesis<U, 1> {
   public:
     static U const& Parenthesis(U* _data, int _m, int _n, int _i, int _j) {
-      HYLBAS_ARRAY2D_CHECK(_data && _i >= 0 && _i < _m && _j >= 0 && _j < _n);
+      HYLBAS_CHECK(_data && _i >= 0 && _i < _m && _j >= 0 && _j < _n);
       return _data[static_cast<std::ptrdiff_t>(_j) * _m + _i];
     }
   };
@@ -407,7 +415,7 @@ public:
 
   /// `_row` becomes the row; its block is reused when its capacity suffices.
   void GetRowCopy(int _rowid, HYLBasVector<T>& _row) const {
-    HYLBAS_ARRAY2D_CHECK(m_data != 0 && _rowid >= 0 && _rowid < m_m);
+    HYLBAS_CHECK(m_data != 0 && _rowid >= 0 && _rowid < m_m);
     hylbas_detail::GiveLength(_row, static_cast<unsigned int>(m_n));
     hylbas_detail::Row<Order>(m_data, m_m, m_n, _rowid).CopyTo(_row.begin());
   }
@@ -415,58 +423,59 @@ public:
   /// Writes the row into the first places of the buffer `_row`, which has room for `_n` elements;
   /// the others are not touched. A null buffer is reported.
   void GetRowCopy(int _rowid, int _n, T* _row) const {
-    HYLBAS_ARRAY2D_CHECK(m_data != 0 && _row && _n >= m_n && _rowid >= 0 && _rowid < m_m);
+    HYLBAS_CHECK(m_data != 0 && _row && _n >= m_n && _rowid >= 0 && _rowid < m_m);
     hylbas_detail::Row<Order>(m_data, m_m, m_n, _rowid).CopyTo(_row);
   }
 
   /// `_col` becomes the column; its block is reused when its capacity suffices.
   void GetColumnCopy(int _colid, HYLBasVector<T>& _col) const {
-    HYLBAS_ARRAY2D_CHECK(m_data != 0 && _colid >= 0 && _colid < m_n);
+    HYLBAS_CHECK(m_data != 0 && _colid >= 0 && _colid < m_n);
     hylbas_detail::GiveLength(_col, static_cast<unsigned int>(m_m));
     hylbas_detail::Column<Order>(m_data, m_m, m_n, _colid).CopyTo(_col.begin());
   }
 
   /// The row takes the first elements of `_row`; further ones are ignored.
   void SetRow(int _rowid, HYLBasVector<T> const& _row) {
-    HYLBAS_ARRAY2D_CHECK_AS(m_data != 0 && _rowid >= 0 && _rowid < m_m &&
-                                _row.size() >= static_cast<unsigned int>(m_n),
-                            "m_data != 0 && _rowid >= 0 && _rowid < m_m && _row.size() >= m_n");
+    bool const fits = _row.size() >= static_cast<unsigned int>(m_n);
+    bool const ok = m_data != 0 && _rowid >= 0 && _rowid < m_m && fits;
+    HYLBAS_CHECK_AS(ok, "m_data != 0 && _rowid >= 0 && _rowid < m_m && _row.size() >= m_n");
     hylbas_detail::Row<Order>(m_data, m_m, m_n, _rowid).CopyFrom(_row.begin());
   }
 
   /// The row takes the first of the `_n` elements at `_row`, which must not be null, unchecked.
   void SetRow(int _rowid, T const* _row, int _n) {
-    HYLBAS_ARRAY2D_CHECK(m_data != 0 && _rowid >= 0 && _rowid < m_m && _n >= m_n);
+    HYLBAS_CHECK(m_data != 0 && _rowid >= 0 && _rowid < m_m && _n >= m_n);
     hylbas_detail::Row<Order>(m_data, m_m, m_n, _rowid).CopyFrom(_row);
   }
 
   /// The column takes the first elements of `_col`; further ones are ignored.
   void SetColumn(int _colid, HYLBasVector<T> const& _col) {
-    HYLBAS_ARRAY2D_CHECK_AS(m_data != 0 && _colid >= 0 && _colid < m_n &&
-                                _col.size() >= static_cast<unsigned int>(m_m),
-                            "m_data != 0 && _colid >= 0 && _colid < m_n && _col.size() >= m_m");
+    bool const fits = _col.size() >= static_cast<unsigned int>(m_m);
+    bool const ok = m_data != 0 && _colid >= 0 && _colid < m_n && fits;
+    HYLBAS_CHECK_AS(ok, "m_data != 0 && _colid >= 0 && _colid < m_n && _col.size() >= m_m");
     hylbas_detail::Column<Order>(m_data, m_m, m_n, _colid).CopyFrom(_col.begin());
   }
 
   /// The column takes the first of the `_m` elements at `_col`, which must not be null, unchecked.
   void SetColumn(int _colid, T const* _col, int _m) {
-    HYLBAS_ARRAY2D_CHECK_AS(m_data != 0 && _colid >= 0 && _colid < m_n && _m >= m_m,
-                            "m_data != 0 && _colid >= 0 &&_colid < m_n && _m >= m_m");
+    bool const ok = m_data != 0 && _colid >= 0 && _colid < m_n && _m >= m_m;
+    HYLBAS_CHECK_AS(ok, "m_data != 0 && _colid >= 0 &&_colid < m_n && _m >= m_m");
     hylbas_detail::Column<Order>(m_data, m_m, m_n, _colid).CopyFrom(_col);
   }
   // NOLINTEND(modernize-use-nullptr)
   /// @}
 
   /// \name Extraction
-  /// Linear in the number of elements copied, in the order of memory. `result`, another array,
-  /// gives up its block for a fresh owned one. Indices may be repeated. Reported when there is no
-  /// block, no list, or the list is longer than the array has rows or columns; then, when `result`
-  /// has its new shape and what the indices before it chose, for an index out of range.
+  /// Linear in the number of elements copied, in the order of memory. `result`, another array, gets
+  /// a fresh owned block and its new shape, and then releases its former block. Indices may be
+  /// repeated. Reported when there is no block, no list, or the list is longer than the array has
+  /// rows or columns; then, when `result` has its new shape and what the indices before it chose,
+  /// for an index out of range.
   /// @{
 
   /// `result` becomes an array of `_m` rows: row k is row `_rowids[k]` of this one.
   void ExtractRows(int const* _rowids, int _m, HYLBasArray2D& result) const {
-    HYLBAS_ARRAY2D_CHECK(m_data && _rowids && _m <= m_m);
+    HYLBAS_CHECK(m_data && _rowids && _m <= m_m);
     int const inRange = hylbas_detail::CountInRange(_rowids, _m, m_m);
     int const rid = inRange < _m ? _rowids[inRange] : 0;
     T* const block = hylbas_detail::NewBlockToFill<T>(_m, m_n, inRange == _m);
@@ -475,14 +484,16 @@ public:
     } else {
       hylbas_detail::CopyFromEachLine(m_data, m_n, m_m, _rowids, inRange, block, _m);
     }
-    result.Destroy(result.m_data, result.m_memType);
+    T* replaced = result.m_data;
+    MemType const replacedType = result.m_memType;
     result.SetMembers(_m, m_n, e_copy, block);
-    if (inRange < _m) HYLBAS_ARRAY2D_CHECK(rid >= 0 && rid < m_m);
+    result.Destroy(replaced, replacedType);
+    if (inRange < _m) HYLBAS_CHECK(rid >= 0 && rid < m_m);
   }
 
   /// `result` becomes an array of `_n` columns: column k is column `_colids[k]` of this one.
   void ExtractColumns(int const* _colids, int _n, HYLBasArray2D& result) const {
-    HYLBAS_ARRAY2D_CHECK(m_data && _colids && _n <= m_n);
+    HYLBAS_CHECK(m_data && _colids && _n <= m_n);
     int const inRange = hylbas_detail::CountInRange(_colids, _n, m_n);
     int const cid = inRange < _n ? _colids[inRange] : 0;
     T* const block = hylbas_detail::NewBlockToFill<T>(m_m, _n, inRange == _n);
@@ -491,9 +502,11 @@ public:
     } else {
       hylbas_detail::CopyFromEachLine(m_data, m_m, m_n, _colids, inRange, block, _n);
     }
-    result.Destroy(result.m_data, result.m_memType);
+    T* replaced = result.m_data;
+    MemType const replacedType = result.m_memType;
     result.SetMembers(m_m, _n, e_copy, block);
-    if (inRange < _n) HYLBAS_ARRAY2D_CHECK(cid >= 0 && cid < m_n);
+    result.Destroy(replaced, replacedType);
+    if (inRange < _n) HYLBAS_CHECK(cid >= 0 && cid < m_n);
   }
   /// @}
 
@@ -505,8 +518,9 @@ private:
   // Uninitialised; null when a dimension is below 1.
   void Allocate(int m, int n, T*& data) { data = hylbas_detail::NewBlock<T>(m, n); }
 
-  // These two do not release the block that was there. All of them pass values on, not this array:
-  // one whose address stays at home is kept in registers.
+  // These two do not release the block that was there. The functions that they call are given the
+  // dimensions and pointers, never this array: a compiler that sees no use of an array's address
+  // may keep the array's fields in registers.
   void Copy(int m, int n, T* source) {
     SetMembers(m, n, e_copy, hylbas_detail::NewBlockCopy<T>(m, n, source));
   }
@@ -575,7 +589,7 @@ template <class T, int Order>
     HYLBasArray2D<T, Order> array, int _colid, typename HYLBasArray2D<T, Order>::NormType type) {
   static_assert(std::is_same_v<T, double> && Order == 1, "for column-major arrays of double");
   int const n = array.GetNumberOfColumns();
-  HYLBAS_ARRAY2D_CHECK(0 <= _colid && _colid < n);
+  HYLBAS_CHECK(0 <= _colid && _colid < n);
   return hylbas_detail::Norm(type, array.GetNumberOfRows(), [&] { return &array(0, _colid); });
 }
 
@@ -585,13 +599,13 @@ template <class T, int Order>
                                                   typename HYLBasArray2D<T, Order>::NormType type) {
   static_assert(std::is_same_v<T, double> && Order == 0, "for row-major arrays of double");
   int const m = array.GetNumberOfRows();
-  HYLBAS_ARRAY2D_CHECK(0 <= _rowid && _rowid < m);
+  HYLBAS_CHECK(0 <= _rowid && _rowid < m);
   return hylbas_detail::Norm(type, array.GetNumberOfColumns(), [&] { return &array(_rowid, 0); });
 }
 /// @}
 
-#undef HYLBAS_ARRAY2D_CHECK
-#undef HYLBAS_ARRAY2D_CHECK_AS
+#undef HYLBAS_CHECK
+#undef HYLBAS_CHECK_AS
 
 extern template class HYLBasArray2D<int, 0>;
 extern template class HYLBasArray2D<int, 1>;

@@ -9,9 +9,10 @@
 /// `last`).
 ///
 /// All of them work in place, allocate nothing, check nothing and are not stable. An ordering must
-/// be a strict weak ordering: with any other the unguarded steps leave the range. What a step
-/// compares, in which order, and the arrangement that it leaves, is always the same, but for
-/// `SGIsort` of pairs, whose result alone is fixed.
+/// be a strict weak ordering: with any other the unguarded steps leave the range. What an ordering
+/// throws leaves a step with all elements in the range, `value` where `last` or `hole` was free, in
+/// any order. What a step compares, in which order, and the arrangement that it leaves, is always
+/// the same, but for `SGIsort` of pairs, whose result alone is fixed.
 ///
 /// Partitioning:
 /// - `__introsort_loop` leaves runs of at most 16 elements unsorted, each in its place. What is

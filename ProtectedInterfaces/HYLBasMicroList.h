@@ -10,10 +10,12 @@
 #pragma once
 
 #include "HYLBasMicroAllocator.h"
+#include "detail/HYLBasElementBytes.h"
 #include "detail/HYLBasExport.h"
 #include "detail/HYLBasPlainElement.h"
 
-/// A block of numbers of fixed length: a pointer and one byte. The library holds it for `int`.
+/// A block of numbers of fixed length: a pointer and one byte. The library holds it for `int`;
+/// for other plain types, as in `HYLBasVector.h`, its code comes into being in your program.
 template <class T>
 class HYLBASGENERICS_EXPORT HYLBasMicroList {
   static_assert(hylbas_detail::RequirePlainElement<T>::value);
@@ -22,7 +24,7 @@ public:
   HYLBasMicroList() : m_items(nullptr), m_count(0) {}
 
   /// A list of `n` elements that are not initialised; empty unless `n` is in 0 to 127.
-  explicit HYLBasMicroList(int n) : m_items(nullptr), m_count(0) {
+  HYLBasMicroList(int n) : m_items(nullptr), m_count(0) {
     if (n < 0 || n > e_longest) return;
     m_items = static_cast<T*>(HYLBasMicroAllocator::Alloc(n * static_cast<int>(sizeof(T))));
     if (m_items != nullptr) m_count = static_cast<signed char>(n);
@@ -35,7 +37,7 @@ public:
     if (m_items == nullptr) return;
     m_count = other.m_count;
     for (int i = 0; i < n; ++i)
-      m_items[i] = other.m_items[i];
+      hylbas_detail::CopyElement(other.m_items + i, m_items + i);
   }
 
   ~HYLBasMicroList() {

@@ -7,6 +7,7 @@
 #include <cstddef>
 #include <type_traits>
 
+#include "detail/HYLBasElementBytes.h"
 #include "detail/HYLBasExport.h"
 #include "detail/HYLBasInstantiations.h"
 
@@ -27,7 +28,10 @@ struct HYLBASGENERICS_EXPORT HYLBasPair {
 
   /// Both fields value-initialised: 0 for numbers.
   HYLBasPair() : first(), second() {}
-  HYLBasPair(A const& a, B const& b) : first(a), second(b) {}
+  HYLBasPair(A const& a, B const& b) : first(a), second(b) {
+    hylbas_detail::KeepBits(a, first);
+    hylbas_detail::KeepBits(b, second);
+  }
 };
 
 /// The value type of a map: the key is fixed for the pair's life.
@@ -36,8 +40,10 @@ struct HYLBASGENERICS_EXPORT HYLBasPair<K const, V> {
   alignas(hylbas_detail::fieldAlignment<K>) K const first;
   alignas(hylbas_detail::fieldAlignment<V>) V second;
 
-  HYLBasPair(K const& key, V const& value) : first(key), second(value) {}
-  HYLBasPair(HYLBasPair const& other) : first(other.first), second(other.second) {}
+  HYLBasPair(K const& key, V const& value) : first(key), second(value) {
+    hylbas_detail::KeepBits(value, second);
+  }
+  HYLBasPair(HYLBasPair const& other) : HYLBasPair(other.first, other.second) {}
 };
 
 static_assert(sizeof(HYLBasPair<int const, float>) == 8);

@@ -6,6 +6,17 @@
 /// a record of your own. All functions here are stateless and may run on any number of threads at
 /// once on disjoint elements. Copying and destroying take time linear in the count; everything else
 /// is constant.
+///
+/// Which elements a container can hold:
+/// - Vectors: those that lose nothing when a copy is put over them, for vectors do so without
+///   destroying them first. Numbers, plain records, pointers to what others own.
+/// - Vectors of elements that own something (a string, a counted reference) leak it wherever an
+///   element is overwritten: in `Insert` before the end without a new block, in `Erase` that does
+///   not reach the end, and in `Assign` within the capacity. All else copies into free slots and
+///   destroys each element once: construction, assignment, `PushBack`, `Insert` at the end,
+///   `Resize`, `Reserve`, `PopBack`, `Clear`, `Erase` up to the end, `swap`.
+/// - Trees: also elements that own something. Each is copied once, into a fresh node, and destroyed
+///   once.
 #pragma once
 
 #include <cstring>
@@ -13,6 +24,7 @@
 
 #include "HYLBasAllocationOperators.h"
 #include "HYLBasPair.h"
+#include "detail/HYLBasElementBytes.h"
 #include "detail/HYLBasExport.h"
 #include "detail/HYLBasInstantiations.h"
 
@@ -20,16 +32,23 @@
 class HYLBASGENERICS_EXPORT HYLBasReplicatorGeneric {
 public:
   /// Copies `count` consecutive elements at `source` into the slots at `destination`, first to
-  /// last. The slots may be raw storage or hold live elements. Containers call it on overlapping
-  /// ranges only with the destination before the source. A count of 0 does nothing. It must not
-  /// throw: a container that was moving its elements would lose the block that they move to.
+  /// last. A count of 0 does nothing. The slots may be raw storage or hold live elements, which are
+  /// not destroyed before. Containers call it with a `destination`
+  /// - apart from the source,
+  /// - before it and overlapping it, as when elements are erased,
+  /// - equal to it, where a caller gives a vector one of its own elements, or erases none: the
+  ///   elements must then keep their values. The library's own functions see to that.
+  /// - never after it and overlapping it.
+  ///
+  /// It must not throw: a container that was moving its elements would lose the block that they
+  /// move to.
   using CopyFunction = void (*)(void const* source, void* destination, unsigned int count);
   /// Ends the life of `count` consecutive elements, once over each batch that leaves a container.
   using DestroyFunction = void (*)(void const* first, unsigned int count);
 
   /// Elements of `size` bytes (at least 1, unchecked) without functions: plain records. Vectors
   /// copy them bytewise; it serves no other container.
-  HYLBASGENERICS_EXPORT_INLINE explicit HYLBasReplicatorGeneric(int size)
+  HYLBASGENERICS_EXPORT_INLINE HYLBasReplicatorGeneric(int size)
       : m_size(size), m_copy(nullptr), m_destroy(nullptr) {}
   /// Elements of `size` bytes (at least 1, unchecked). A null `destroy` means that elements need no
   /// destruction; vectors may then fill runs of equal elements bytewise.
@@ -55,18 +74,18 @@ HYLBASGENERICS_EXPORT void HYLBasPODCopy(void const* source, void* destination,
   auto const* from = static_cast<T const*>(source);
   auto* to = static_cast<T*>(destination);
   for (unsigned int i = 0; i != count; ++i)
-    to[i] = from[i];
+    hylbas_detail::CopyElement(from + i, to + i);
 }
 
 /// Copy function of class types: copy-constructs each slot in place, first to last, also where the
-/// slot holds a live element.
+/// slot holds a live element. An element that is its own source keeps its value: it is left alone.
 template <class T>
 HYLBASGENERICS_EXPORT void HYLBasStandardCopy(void const* source, void* destination,
                                               unsigned int count) {
   auto const* from = static_cast<T const*>(source);
   auto* to = static_cast<char*>(destination);
   for (unsigned int i = 0; i != count; ++i, to += sizeof(T))
-    ::new (to, HYLBasPlacement()) T(from[i]);
+    if (static_cast<void const*>(from + i) != to) ::new (to, HYLBasPlacement()) T(from[i]);
 }
 
 /// Destroy function of class types: runs the destructor of each element, first to last.

@@ -17,7 +17,8 @@
 /// `data` is not read; the comparitor's context values tell its function where the data is. Its
 /// function must be a strict weak ordering: with any other, memory outside of `indices` is touched.
 /// It is called at most 4 n lg n + 16 n times for n elements; the recursion is at most 2 lg n deep.
-/// Allocates only where the capacity of `indices` is below `count` elements.
+/// Allocates only where the capacity of `indices` is below `count` elements. What the function
+/// throws leaves the sort; `indices` then lists 0 to `count` - 1 in any order.
 HYLBASGENERICS_EXPORT void HYLBasSortGenericIx(void* data, unsigned int count,
                                                HYLBasVector<unsigned int>& indices,
                                                HYLBasIxComparitor const& comparitor);

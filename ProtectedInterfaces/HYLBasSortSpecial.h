@@ -31,8 +31,9 @@ HYLBASGENERICS_EXPORT void sortInt64_1(long long* first, long long* last);
 /// does. Where values of the first array are equal, their partners are in ascending order.
 ///
 /// Takes one block for a pair per element from `mem_Malloc_Handled`, none for empty arrays, and
-/// releases it. Arrays of different lengths are reported through `QELFatalError`. Where that
-/// returns, the length of the first array counts for both; the process ends where the second is
-/// shorter, and where an array ends before it begins.
+/// releases it; where 32 bits do not hold its bytes, it asks for 4294967295. Arrays of different
+/// lengths are reported through `QELFatalError`. Where that returns, the length of the first array
+/// counts for both; the process ends where the second is shorter, and where an array ends before it
+/// begins.
 HYLBASGENERICS_EXPORT void HYLBasSort2Special(int* arrayBegin, int* arrayEnd, int* arraySecondBegin,
                                               int* arraySecondEnd);

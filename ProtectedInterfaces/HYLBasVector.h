@@ -8,29 +8,42 @@
 /// exhausted memory is the host's memory library's to handle, which ends the process unless a new
 /// handler helps or throws, and `at` ends the process too.
 ///
+/// It takes every plain type (trivially copyable, default-constructible, assignable, aligned no
+/// more strictly than the memory library's blocks), and refuses the others in words. The library
+/// holds the code for `int`, `unsigned int`, `float`, `double` and both 64-bit integers; for other
+/// types it comes into being in your program, with all members but `Write`, for which a text file
+/// has no name of the type.
+///
 /// Invalidation, for every operation: positions are plain pointers. When the capacity changes all
 /// of them are invalid; otherwise those before the changed element stay valid.
+///
+/// A value or a range may lie in the vector itself; `HYLBasVectorGeneric.h` says what is then
+/// copied.
 #pragma once
 
-#include <algorithm>
 #include <cstddef>
 #include <cstdlib>
 #include <limits>
 #include <type_traits>
+#include <utility>
 
 #include "HYLBasAllocationOperators.h"
 #include "HYLBasPair.h"
 #include "HYLBasReplicator.h"
 #include "HYLBasVectorAllocator.h"
 #include "HYLBasVectorGeneric.h"
+#include "detail/HYLBasElementBytes.h"
 #include "detail/HYLBasExport.h"
 #include "detail/HYLBasInstantiations.h"
 #include "detail/HYLBasPlainElement.h"
 
 namespace hylbas_detail {
 
-/// Rare operations of the core, on copies of a vector's pointers: a vector whose address never
-/// leaves the caller's loop can be kept in registers there.
+/// The two operations of a vector that are rarely needed, and too long to be inlined into a
+/// caller's loop: growing by one element, and reporting a bad index. They are given the vector's
+/// pointers and the value, not their addresses. A compiler that hands out no address of a vector
+/// may keep the pointers in registers throughout the loop; one call that takes the address, however
+/// rare, would make it store and load them in every round.
 class VectorLoan {
 public:
   struct Block {
@@ -40,9 +53,9 @@ public:
 
   /// Appends to a full vector; returns the new block, which holds one element more.
   template <class T>
-  [[gnu::noinline]] static Block PushBack(char* first, char* last, T value) {
+  [[gnu::noinline]] static Block PushBack(char* first, char* last, ElementBytes<T> value) {
     Loan loan(HYLBasGetReplicator<T>(), first, last);
-    loan.m_core.PushBack(&value);
+    loan.m_core.PushBack(value.bytes);
     return {loan.m_core.m_first, loan.m_core.m_endOfStorage};
   }
 
@@ -55,7 +68,7 @@ public:
   }
 
 private:
-  // A core that owns nothing: the block goes back to the vector.
+  // A core whose destructor never runs: the block stays the vector's.
   union Loan {
     Loan(HYLBasReplicatorGeneric const& replicator, char* first, char* last) : m_core(replicator) {
       m_core.m_first = first;
@@ -105,7 +118,7 @@ public:
   HYLBasVector() : m_data(HYLBasGetReplicator<T>()) {}
 
   /// `n` zero elements.
-  explicit HYLBasVector(unsigned int n) : HYLBasVector() {
+  HYLBasVector(unsigned int n) : HYLBasVector() {
     T const zero = T();
     HYLBasVectorGeneric contents(m_data.m_replicator);
     contents.Init(n, &zero);
@@ -158,9 +171,11 @@ public:
   /// \name Size
   /// Constant time; in elements.
   /// @{
-  unsigned int size() const { return static_cast<unsigned int>(end() - begin()); }
+  unsigned int size() const {
+    return hylbas_detail::ElementsBetween<T>(m_data.m_first, m_data.m_last);
+  }
   unsigned int capacity() const {
-    return static_cast<unsigned int>(reinterpret_cast<T const*>(m_data.m_endOfStorage) - begin());
+    return hylbas_detail::ElementsBetween<T>(m_data.m_first, m_data.m_endOfStorage);
   }
   bool empty() const { return m_data.m_first == m_data.m_last; }
   /// The largest 32-bit byte count divided by the element size; no operation checks against it.
@@ -179,12 +194,12 @@ public:
   void push_back(T const& value) {
     if constexpr (std::is_arithmetic_v<T>) {
       if (m_data.m_last != m_data.m_endOfStorage) {
-        *end() = value;
+        hylbas_detail::CopyElement(&value, end());
         m_data.m_last += sizeof(T);
       } else {
         std::ptrdiff_t const bytes = m_data.m_last - m_data.m_first;
-        auto const grown =
-            hylbas_detail::VectorLoan::PushBack<T>(m_data.m_first, m_data.m_last, value);
+        auto const grown = hylbas_detail::VectorLoan::PushBack<T>(
+            m_data.m_first, m_data.m_last, hylbas_detail::ElementBytes<T>(value));
         m_data.m_last = grown.first + bytes + sizeof(T);
         m_data.m_first = grown.first;
         m_data.m_endOfStorage = grown.endOfStorage;
@@ -249,7 +264,7 @@ public:
   void resize(unsigned int n, T const& value) {
     if constexpr (std::is_arithmetic_v<T>) {
       if (n <= capacity()) {
-        std::fill(end(), std::max(end(), begin() + n), T(value));
+        if (n > size()) hylbas_detail::FillElements(end(), n - size(), value);
         m_data.m_last = toGeneric(begin() + n);
         return;
       }
@@ -259,7 +274,11 @@ public:
   /// Makes room for `n` elements in all; the new capacity is exactly `n` when it grows.
   void reserve(unsigned int n) { m_data.Reserve(n); }
   /// Exchanges the blocks of the two vectors in constant time.
-  void swap(HYLBasVector& other) { m_data.swap(other.m_data); }
+  void swap(HYLBasVector& other) {
+    std::swap(m_data.m_first, other.m_data.m_first);
+    std::swap(m_data.m_last, other.m_data.m_last);
+    std::swap(m_data.m_endOfStorage, other.m_data.m_endOfStorage);
+  }
   /// @}
 
   /// \name Text files
@@ -295,6 +314,12 @@ protected:
 private:
   HYLBasVectorGeneric m_data;
 };
+
+/// `a.swap(b)`, for algorithms that call `swap` unqualified.
+template <class T>
+void swap(HYLBasVector<T>& a, HYLBasVector<T>& b) {
+  a.swap(b);
+}
 
 #define HYLBAS_DECLARE_VECTOR(T) extern template class HYLBasVector<T>;
 HYLBAS_FOR_EACH_PLAIN_TYPE(HYLBAS_DECLARE_VECTOR)

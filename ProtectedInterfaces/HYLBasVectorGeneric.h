@@ -17,13 +17,19 @@
 /// - An operation that needs a new block allocates it, copies, destroys the old elements as one
 ///   batch and releases the old block, in that order; all positions are then invalid. Without a
 ///   new block, positions before the changed element stay valid.
-/// - A value or source range inside the vector's own elements, at or after the insertion position,
-///   is read only after those elements have moved up.
+/// - Every value and every source range may be elements of the vector itself, and is then copied as
+///   it was before the call, but for `Insert` within the capacity: the source is read after the
+///   elements from the position on have moved up. Sources before the position, at it, or on both
+///   sides of it are still as they were, and so is what lies less than `n` elements after it, with
+///   `n` elements inserted; what was `n` elements earlier is read instead of anything later.
+///   `Init` takes elements of other vectors alone.
 /// - A checked position that is out of range ends the process with `abort()`, without a message.
 ///   Exhausted memory is the memory library's to handle. No operation throws of its own; what the
 ///   memory library or a new handler throws leaves the vector as it was.
 /// - One thread at a time per vector; distinct vectors are independent.
 #pragma once
+
+#include <cstddef>
 
 #include "HYLBasReplicator.h"
 #include "HYLBasVectorAllocator.h"
@@ -41,7 +47,9 @@ class VectorLoan;
 template <class Allocator, class Replicator>
 void ReleaseBlock(Allocator& allocator, Replicator const& replicator, char* first, char* last) {
   if (replicator.m_destroy != nullptr)
-    replicator.m_destroy(first, static_cast<unsigned int>((last - first) / replicator.m_size));
+    replicator.m_destroy(first,
+                         static_cast<unsigned int>(static_cast<std::size_t>(last - first) /
+                                                   static_cast<std::size_t>(replicator.m_size)));
   if (first != nullptr) allocator.deallocate(first, 0);
 }
 } // namespace hylbas_detail

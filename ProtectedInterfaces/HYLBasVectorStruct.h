@@ -7,7 +7,8 @@
 /// `HYLBasVector<T>` where the element type is known at compile time.
 ///
 /// Layout, growth, positions, what is invalidated and what ends the process are those of
-/// `HYLBasVectorGeneric.h`, except that `RangeCheck` writes no message. A vector built from a
+/// `HYLBasVectorGeneric.h`, and so is what may be given of a vector's own records, except that
+/// `RangeCheck` writes no message. A vector built from a
 /// record size alone copies its records bytewise, over either replicator.
 #pragma once
 
@@ -23,6 +24,13 @@
 namespace hylbas_detail {
 template <class V>
 class VectorAlgorithms;
+
+/// Bytes from the first record to record `i`, modulo the address space: a block may be longer than
+/// half of it.
+inline std::ptrdiff_t BytesTo(int i, int recordSize) {
+  return static_cast<std::ptrdiff_t>(static_cast<std::size_t>(i) *
+                                     static_cast<std::size_t>(recordSize));
+}
 } // namespace hylbas_detail
 
 /// The growable array of records, with access by index. The library holds it for
@@ -80,9 +88,9 @@ public:
   iterator end() { return iterator(m_last, static_cast<unsigned int>(m_replicator.m_size)); }
 
   /// The address of record `i`, unchecked.
-  void* Item(int i) { return m_first + static_cast<std::ptrdiff_t>(i) * m_replicator.m_size; }
+  void* Item(int i) { return m_first + hylbas_detail::BytesTo(i, m_replicator.m_size); }
   void const* ItemConst(int i) const {
-    return m_first + static_cast<std::ptrdiff_t>(i) * m_replicator.m_size;
+    return m_first + hylbas_detail::BytesTo(i, m_replicator.m_size);
   }
   void* operator[](int i) { return Item(i); }
   void const* operator[](int i) const { return ItemConst(i); }
@@ -174,6 +182,12 @@ private:
   char* m_last = nullptr;         // one past the last record
   char* m_endOfStorage = nullptr; // one past the last slot
 };
+
+/// `a.swap(b)`, for algorithms that call `swap` unqualified.
+template <class Alloc, class Replicator>
+void swap(HYLBasVectorStruct<Alloc, Replicator>& a, HYLBasVectorStruct<Alloc, Replicator>& b) {
+  a.swap(b);
+}
 
 extern template class HYLBasVectorStruct<HYLBasVectorAllocator, HYLAspStructReplicator>;
 extern template class HYLBasVectorStruct<HYLBasVectorAllocator, HYLBasReplicatorGeneric>;

@@ -16,7 +16,7 @@ public:
   HYLBasVectorStructIterator(char* position, unsigned int step)
       : m_step(step), m_position(position), m_vector(nullptr) {}
   /// With the steps of `v`; the position is null and to be `Set`.
-  explicit HYLBasVectorStructIterator(V* v)
+  HYLBasVectorStructIterator(V* v)
       : m_step(static_cast<unsigned int>(v->m_replicator.m_size)), m_position(nullptr),
         m_vector(v) {}
   HYLBasVectorStructIterator(HYLBasVectorStructIterator const&) = default;

@@ -36,10 +36,12 @@ void QELFatalError(char const* message, char const* a, char const* b, char const
     for (std::string text; std::getline(header, text);)
       headerLines.push_back(text);
   }
-  // The check stands there, in one line or in a few.
-  std::string around;
-  for (int i = std::max(0, line - 3); i != std::min(line + 2, int(headerLines.size())); ++i)
-    around += headerLines[static_cast<std::size_t>(i)];
+  // On one line stands the check, on another at most its text.
+  std::string const& check = headerLines.at(static_cast<std::size_t>(line) - 1);
+  EXPECT_TRUE(check.find("_CHECK") != std::string::npos ||
+              check.find("__LINE__") != std::string::npos)
+      << message << line;
+  std::string const around = headerLines.at(static_cast<std::size_t>(line) - 3) + check;
   EXPECT_NE(around.find(std::string(message).substr(16, 12)), std::string::npos) << message << line;
   lastReport = message;
   if (!serviceReturns) throw Report{message};
@@ -468,6 +470,18 @@ TYPED_TEST(Array2D, FailedRequestLeavesTheArrayAsItWas) {
     EXPECT_EQ(a.GetPointerToMemory(), block);
     EXPECT_EQ(a.GetNumberOfColumns(), 3);
     EXPECT_EQ(a(1, 2), T(5));
+  }
+  // Each has its new block and shape when the former block is released.
+  for (auto const& operation : operations) {
+    a.Resize(2, 3, T(5));
+    bool released = false;
+    recording::AtRelease() = [&, former = a.GetPointerToMemory()](void const* gone) {
+      released = gone == former;
+      EXPECT_TRUE(a.GetPointerToMemory() != gone && a.GetNumberOfColumns() != 3);
+    };
+    operation();
+    recording::AtRelease() = nullptr;
+    EXPECT_TRUE(released);
   }
 }
 

@@ -2,6 +2,7 @@
 #include <algorithm>
 #include <csignal>
 #include <cstddef>
+#include <cstdint>
 #include <limits>
 #include <numeric>
 #include <string>
@@ -188,6 +189,17 @@ TEST(Sort2Special, ReportsDifferentLengths) {
   EXPECT_TRUE(recording::Events().empty());
 }
 
+TEST(Sort2Special, AsksForMoreThanThereIsWhereItCannotCount) {
+  if constexpr (sizeof(void*) > 4) {
+    int place;
+    int* const first = &place;
+    int* const last = reinterpret_cast<int*>(reinterpret_cast<std::uintptr_t>(first) +
+                                             (std::uint64_t{4294967297u} << 2));
+    EXPECT_EXIT(HYLBasSort2Special(first, last, first, last), testing::KilledBySignal(SIGABRT),
+                "4294967295 bytes");
+  }
+}
+
 // The same list, comparisons and contexts as those of the steps that anyone may call.
 TEST(SortGenericIx, ListsTheIndicesInOrder) {
   using Comparison = std::tuple<unsigned int, unsigned int, void const*, void const*>;
@@ -218,6 +230,34 @@ TEST(SortGenericIx, ListsTheIndicesInOrder) {
       EXPECT_TRUE(made == comparisons);
       EXPECT_TRUE(std::equal(indices.begin(), indices.end(), expected.begin(), expected.end()));
       EXPECT_TRUE(std::is_sorted(indices.begin(), indices.end(), ordering));
+    }
+}
+
+// Whatever comparison throws, the list holds every index.
+TEST(SortGenericIx, LosesNoIndexWhenTheOrderingThrows) {
+  using Sort = void (*)(unsigned int*, unsigned int*, HYLBasIxComparitor);
+  Sort const sorts[] = {SGIsort<unsigned int*, HYLBasIxComparitor>,
+                        [](auto* first, auto* last, auto ordering) {
+                          partial_sort(first, last - 40, last, ordering);
+                        }};
+  for (Sort const sort : sorts)
+    for (int count = 1, left = 0; left == 0; ++count) {
+      left = count;
+      unsigned int indices[100];
+      std::iota(indices, indices + 100, 0u);
+      HYLBasIxComparitor const ordering{
+          [](unsigned int a, unsigned int b, void const* counter, void const*) {
+            if (--*const_cast<int*>(static_cast<int const*>(counter)) == 0) throw counter;
+            return a * 37 % 101 < b * 37 % 101;
+          },
+          &left, nullptr};
+      try {
+        sort(indices, indices + 100, ordering);
+      } catch (void const*) {
+      }
+      std::sort(indices, indices + 100);
+      for (unsigned int i = 0; i != 100; ++i)
+        ASSERT_EQ(indices[i], i) << "thrown by comparison " << count;
     }
 }
 

@@ -3,6 +3,7 @@
 #include <cstdint>
 #include <functional>
 #include <random>
+#include <string>
 #include <tuple>
 
 #include <gtest/gtest.h>
@@ -121,8 +122,8 @@ public:
       v.Insert(first + k * s, m_own, m_own + std::min(n, 20u) * s);
       m.InsertRange(k, {0, 0}, std::min(n, 20u));
     }
-    if (action == 9) { // a range of the vector itself, before the position
-      unsigned int const from = Below(k + 1), count = Below(k - from + 1);
+    if (action == 9) { // a range of the vector itself
+      unsigned int const from = Below(m.size + 1), count = Below(m.size - from + 1);
       Place const source = m.At(from);
       v.Insert(first + k * s, first + from * s, first + (from + count) * s);
       m.InsertRange(k, source, count);
@@ -243,6 +244,37 @@ TYPED_TEST(ErasedVector, FailedRequestLeavesTheVectorUnchangedAndLosesNothing) {
     }
   }
   EXPECT_EQ(recording::LiveBlocks(), 0u);
+}
+
+// Short texts, which own nothing and still must not be made from themselves.
+TYPED_TEST(ErasedVector, ElementsAsTheirOwnSourceKeepTheirValue) {
+  if constexpr (callsCopyFunction<TypeParam>) {
+    using Texts = std::vector<std::string>;
+    auto const text = [](TypeParam& v) { return static_cast<std::string*>(v.Begin()); };
+    auto const after = [&](auto operation) {
+      std::string const letters[] = {"a", "b", "c", "d", "e"};
+      recording::Reset(letters, sizeof letters);
+      TypeParam v(HYLBasGetReplicator<std::string>(), 0, nullptr);
+      v.Reserve(20);
+      v.Insert(v.End(), letters, letters + 5);
+      operation(v);
+      return Texts(text(v), text(v) + v.Size());
+    };
+    EXPECT_EQ(after([&](auto& v) { v.Assign(2, v.Begin()); }), (Texts{"a", "a"}));
+    EXPECT_EQ(after([&](auto& v) { v.Assign(6, text(v) + 1); }), Texts(6, "b"));
+    EXPECT_EQ(after([&](auto& v) { v.Insert(v.Begin(), v.Begin()); }),
+              (Texts{"a", "a", "b", "c", "d", "e"}));
+    EXPECT_EQ(after([&](auto& v) { v.Insert(v.Begin(), 2, text(v) + 1); }),
+              (Texts{"b", "b", "a", "b", "c", "d", "e"}));
+    EXPECT_EQ(after([&](auto& v) { v.Insert(text(v) + 2, text(v) + 1, text(v) + 3); }),
+              (Texts{"a", "b", "b", "c", "c", "d", "e"}));
+    EXPECT_EQ(after([&](auto& v) { v.Insert(text(v) + 3, text(v) + 1, text(v) + 5); }),
+              (Texts{"a", "b", "c", "b", "c", "d", "e", "d", "e"}));
+    EXPECT_EQ(after([&](auto& v) { v.Insert(v.Begin(), v.Begin(), v.End()); }),
+              (Texts{"a", "b", "c", "d", "e", "a", "b", "c", "d", "e"}));
+    EXPECT_EQ(after([&](auto& v) { v.Erase(v.Begin(), v.Begin()); }),
+              (Texts{"a", "b", "c", "d", "e"}));
+  }
 }
 
 // The private operations, reached through the one door that access control leaves open.

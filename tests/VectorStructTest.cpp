@@ -41,6 +41,9 @@ TYPED_TEST(RecordVector, HoldsRecordsOfASizeAlone) {
     EXPECT_EQ(Text(words.Begin(), 15), "thirdfirstsecon");
     TypeParam const copy(words);
     EXPECT_EQ(Text(copy[1], 5), "first");
+    TypeParam other(12, 0);
+    swap(words, other); // found by its argument
+    swap(words, other);
     words.clear();
     EXPECT_EQ(words.size(), 0u);
     words.assign(2, text);
@@ -92,6 +95,9 @@ TYPED_TEST(RecordVector, IsWalkedByItsIterator) {
   assigned = of; // with the step
   EXPECT_EQ(*++assigned, v[2]);
   EXPECT_EQ(sizeof(Iterator), 3 * sizeof(void*));
+  static_assert(std::is_convertible_v<TypeParam*, Iterator>);
+  static_assert(std::is_convertible_v<int, HYLBasReplicatorGeneric> &&
+                std::is_convertible_v<int, HYLAspStructReplicator>);
 }
 
 TEST(RecordReplicator, MovesWithOverlapInEitherDirection) {

@@ -61,7 +61,8 @@ std::ptrdiff_t Act(V& v, V& other, unsigned int action, unsigned int k, unsigned
   if (action == 12) v.resize(n, value);
   if (action == 13) v.reserve(n);
   if (action == 14 && n < 8) v.clear();
-  if (action == 15) v.swap(other);
+  if (action == 15 && n % 2) v.swap(other);
+  if (action == 15 && n % 2 == 0) swap(v, other); // found by its argument
   if (action == 16) return &(v = other) - &v;
   V& self = v;
   if (action == 17) v = self;
@@ -105,6 +106,7 @@ TYPED_TEST(Vector, StartsEmptyOrExactlyFilled) {
     EXPECT_EQ(none.max_size(), 4294967295u / sizeof(T));
     static_assert(std::is_same_v<decltype(none.get_allocator()), HYLBasVectorAllocator>);
   }
+  static_assert(std::is_convertible_v<unsigned int, HYLBasVector<T>>);
   auto* const heap = new HYLBasVector<T>(1, T(5));
   EXPECT_EQ(recording::LiveBlocks(), 2u); // the object and its element
   delete heap;

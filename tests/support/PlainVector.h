@@ -70,7 +70,12 @@ public:
   }
   void InsertRange(unsigned int k, Place first, unsigned int n) {
     InsertRun(k, n, [&](unsigned int from, unsigned int count, Place to) {
-      Copy(Later(first, from), to, count);
+      Place const source = Later(first, from), end = Later(source, count);
+      if (source.block != to.block || to.offset <= source.offset || end.offset <= to.offset)
+        Copy(source, to, count);
+      else // on both sides of the position
+        for (unsigned int i = count; i-- != 0;)
+          Copy(Later(source, i), Later(to, i), 1);
     });
   }
 

@@ -26,6 +26,7 @@ struct State {
   std::size_t ownBytes = 0;
   int nextNumber = 1;
   unsigned int failIn = 0;
+  std::function<void(void const*)> atRelease;
 };
 
 State& state() {
@@ -64,6 +65,8 @@ Place Locate(void const* address) {
 
 std::size_t LiveBlocks() { return state().live.size(); }
 
+std::function<void(void const*)>& AtRelease() { return state().atRelease; }
+
 void FailRequest(unsigned int k) { state().failIn = k; }
 bool FailurePending() { return state().failIn != 0; }
 
@@ -78,6 +81,7 @@ static void* Allocate(unsigned int size) {
 }
 
 static void Free(void* block) {
+  if (state().atRelease) state().atRelease(block);
   if (block == nullptr) {
     state().events.push_back({'F', {-1, 0}, {-1, 0}, 0});
     return;

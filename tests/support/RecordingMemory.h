@@ -5,6 +5,7 @@
 
 #include <cstddef>
 #include <cstdint>
+#include <functional>
 #include <vector>
 
 namespace recording {
@@ -33,6 +34,9 @@ std::vector<Event>& Events();
 void Reset(void const* own, std::size_t ownBytes);
 Place Locate(void const* address);
 std::size_t LiveBlocks();
+
+/// Called with every block that is about to be released; empty for nothing.
+std::function<void(void const*)>& AtRelease();
 
 /// The `k`-th request from now on (1 is the next) throws `std::bad_alloc`, once; 0 for none.
 void FailRequest(unsigned int k);

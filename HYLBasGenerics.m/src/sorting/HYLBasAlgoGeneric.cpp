@@ -38,10 +38,12 @@ void HYLBasSort2Special(int* arrayBegin, int* arrayEnd, int* arraySecondBegin,
     if (arraySecondEnd - arraySecondBegin < arraySize) std::abort();
   }
 
-  // A length that the vector cannot count must not become a shorter one.
-  constexpr unsigned int longest = std::numeric_limits<unsigned int>::max();
-  if (arraySize < 0 || static_cast<std::size_t>(arraySize) > longest) std::abort();
-  HYLBasVector<Pair> pairs(static_cast<unsigned int>(arraySize));
+  if (arraySize < 0) std::abort();
+  // A length that the vector cannot count must not become a shorter one: for the longest that it
+  // can count it asks for more memory than there ever is.
+  constexpr std::size_t longest = std::numeric_limits<unsigned int>::max();
+  std::size_t const count = std::min(static_cast<std::size_t>(arraySize), longest);
+  HYLBasVector<Pair> pairs(static_cast<unsigned int>(count));
   std::transform(arrayBegin, arrayEnd, arraySecondBegin, pairs.begin(),
                  [](int first, int second) { return Pair(first, second); });
   SGIsort<Pair*>(pairs.begin(), pairs.end());

@@ -12,7 +12,8 @@
 namespace hylbas_detail {
 
 /// `Before` is the ordering, copied by value into every step. Nothing is allocated or checked;
-/// ranges are [first, last). `Count` must hold twice the number of elements.
+/// ranges are [first, last). `Count` must hold twice the number of elements. What the ordering
+/// throws leaves every step with all elements in the range, in any order.
 template <class Element, class Count, class Before>
 struct IntrosortSteps {
   static constexpr Count longestInsertionSort = 16; // longer ranges are partitioned
@@ -107,7 +108,7 @@ struct IntrosortSteps {
   static void UnguardedLinearInsert(Element* last, Element value, Before before) {
     while (true) {
       Element const below = last[-1];
-      if (!before(value, below)) break;
+      if (!BeforeBesideHole(value, below, *last, value, before)) break;
       *last-- = below;
     }
     *last = value;
@@ -119,7 +120,7 @@ struct IntrosortSteps {
   /// @{
   static void PushHeap(Element* first, Count hole, Count top, Element value, Before before) {
     Count parent = (hole - 1) / 2;
-    while (hole > top && before(first[parent], value)) {
+    while (hole > top && BeforeBesideHole(first[parent], value, first[hole], value, before)) {
       first[hole] = first[parent];
       hole = parent;
       parent = (hole - 1) / 2;
@@ -133,7 +134,7 @@ struct IntrosortSteps {
     Count const top = hole;
     Count child = 2 * hole + 2;
     while (child < len) {
-      if (before(first[child], first[child - 1])) --child;
+      if (BeforeBesideHole(first[child], first[child - 1], first[hole], value, before)) --child;
       first[hole] = first[child];
       hole = child;
       child = 2 * hole + 2;
@@ -191,6 +192,18 @@ struct IntrosortSteps {
     Element const kept = *a;
     *a = *b;
     *b = kept;
+  }
+
+  /// Compares while `value` is held outside of the range and `hole` is free for it. It goes back
+  /// there where the ordering throws, because it would be lost otherwise.
+  static bool BeforeBesideHole(Element const& a, Element const& b, Element& hole,
+                               Element const& value, Before before) {
+    try {
+      return before(a, b);
+    } catch (...) {
+      hole = value;
+      throw;
+    }
   }
   /// @}
 };

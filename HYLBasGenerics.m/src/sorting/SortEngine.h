@@ -89,7 +89,8 @@ private:
     return true;
   }
 
-  // Unless `isLeftmost`, an element stands before the range that comes after none in it.
+  // Unless `isLeftmost`, `first[-1]` is an element of the array, and none in the range is less than
+  // it: it was the pivot, or lay before the cut, of a partition that came before.
   static void Quicksort(Element* first, Element* last, std::ptrdiff_t depth, bool isLeftmost) {
     while (last - first > longestLeaf) {
       if (depth-- == 0) return Steps::PartialSort(first, last, last, {});

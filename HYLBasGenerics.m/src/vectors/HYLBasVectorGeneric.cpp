@@ -116,11 +116,11 @@ char* HYLBasVectorGeneric::copy_over(void const* first, void const* last, void* 
 }
 
 char* HYLBasVectorGeneric::copy_backward(void* first, char* last, char* result) {
-  return Algorithms::copy_backward(*this, static_cast<char*>(first), last, result);
+  return Algorithms::copy_backward(*this, static_cast<char const*>(first), last, result);
 }
 
 unsigned int HYLBasVectorGeneric::distance(void const* p, void const* q) {
-  return Algorithms::Count(*this, q, p);
+  return Algorithms::Distance(*this, q, p);
 }
 
 bool HYLBasVectorGeneric::sameBytes(void const* value) {

@@ -226,13 +226,13 @@ char* HYLBasVectorStruct<Alloc, Replicator>::copy_over(void const* first, void c
 
 template <class Alloc, class Replicator>
 char* HYLBasVectorStruct<Alloc, Replicator>::copy_backward(void* first, char* last, char* result) {
-  return Algorithms<HYLBasVectorStruct>::copy_backward(*this, static_cast<char*>(first), last,
+  return Algorithms<HYLBasVectorStruct>::copy_backward(*this, static_cast<char const*>(first), last,
                                                        result);
 }
 
 template <class Alloc, class Replicator>
 unsigned int HYLBasVectorStruct<Alloc, Replicator>::distance(void const* p, void const* q) {
-  return Algorithms<HYLBasVectorStruct>::Count(*this, q, p);
+  return Algorithms<HYLBasVectorStruct>::Distance(*this, q, p);
 }
 
 template <class Alloc, class Replicator>

@@ -48,21 +48,51 @@ class VectorAlgorithms {
 public:
   /// \name Sizes
   /// @{
+  /// Elements of [`from`, `to`), which does not end before it begins.
   static unsigned int Count(V const& v, void const* from, void const* to) {
-    std::ptrdiff_t const bytes = Bytes(from, to);
-    switch (v.m_replicator.m_size) { // a division by a run-time value costs more than all the rest
+    std::size_t const bytes = Bytes(from, to);
+    switch (Step(v)) { // a division by a run-time value costs more than all the rest
     case 4:
       return static_cast<unsigned int>(bytes / 4);
     case 8:
       return static_cast<unsigned int>(bytes / 8);
     default:
-      return static_cast<unsigned int>(bytes / v.m_replicator.m_size);
+      return static_cast<unsigned int>(bytes / Step(v));
     }
+  }
+  /// The same, negative where it does.
+  static unsigned int Distance(V const& v, void const* from, void const* to) {
+    return from <= to ? Count(v, from, to) : 0 - Count(v, to, from);
   }
   static unsigned int Size(V const& v) { return Count(v, v.m_first, v.m_last); }
   static unsigned int Capacity(V const& v) { return Count(v, v.m_first, v.m_endOfStorage); }
   static unsigned int const& LargerOf(unsigned int const& a, unsigned int const& b) {
     return a < b ? b : a;
+  }
+  /// @}
+
+  /// \name Growth
+  /// How many elements a new block holds: all rules. Every other new block (`Reserve`,
+  /// constructors, `Init`, `Assign`, assignment) holds exactly what was asked for.
+  /// @{
+
+  /// One element at or after the end of storage, at `index`: every append to a full vector.
+  static std::uint64_t CapacityForAppend(std::uint64_t size, std::uint64_t index) {
+    return index + 2 * size + 1;
+  }
+  /// One element before the end of a full vector.
+  static std::uint64_t CapacityForOne(std::uint64_t size) { return size == 0 ? 1 : 2 * size; }
+  /// `n` elements for which there is no room.
+  static std::uint64_t CapacityForMany(std::uint64_t size, std::uint64_t n) {
+    return size + (size < n ? n : size);
+  }
+  /// `Resize(n)` of a record vector to its size or more.
+  static std::uint64_t CapacityForZeros(std::uint64_t size, std::uint64_t n) {
+    return n + 2 * size + 1;
+  }
+  /// `GrowCapacity(n)`.
+  static std::uint64_t CapacityForGrowth(std::uint64_t size, std::uint64_t n) {
+    return 2 * size < size + n ? size + n : 2 * size;
   }
   /// @}
 
@@ -127,10 +157,10 @@ public:
 
   /// Copies one element at a time, from the last down; returns the start of the copies. The block
   /// move replaces single copies that nobody can observe.
-  static char* copy_backward(V& v, char* first, char* last, char* result) {
+  static char* copy_backward(V& v, char const* first, char const* last, char* result) {
     if (IsPlainData(v.m_replicator)) {
       char* const start = result - (last - first);
-      if (first != last) std::memmove(start, first, static_cast<std::size_t>(last - first));
+      if (first != last) std::memmove(start, first, Bytes(first, last));
       return start;
     }
     while (last != first) {
@@ -158,10 +188,9 @@ public:
   /// and all bytes of the value are equal, by one copy per slot otherwise.
   static void fill(V& v, char* first, char* last, void const* value) {
     if (first == last) return; // the value is not read, and need not be there
-    if (v.m_replicator.m_destroy == nullptr && Bytes(first, last) > 3 * Bytes(v) &&
+    if (v.m_replicator.m_destroy == nullptr && Bytes(first, last) > 3 * std::uint64_t{Step(v)} &&
         sameBytes(v, value)) {
-      std::memset(first, *static_cast<unsigned char const*>(value),
-                  static_cast<std::size_t>(last - first));
+      std::memset(first, *static_cast<unsigned char const*>(value), Bytes(first, last));
       return;
     }
     if (FillPlain(v, first, last, value)) return;
@@ -206,8 +235,7 @@ public:
     if (pos >= v.m_endOfStorage) {
       AppendToNewBlock(v, pos, value);
     } else if (v.m_last == v.m_endOfStorage) {
-      std::uint64_t const size = Size(v);
-      InsertIntoNewBlock(v, size == 0 ? 1 : 2 * size, pos, [&](char* slot) {
+      InsertIntoNewBlock(v, CapacityForOne(Size(v)), pos, [&](char* slot) {
         Copy(v, value, slot, 1);
         return slot + Step(v);
       });
@@ -227,10 +255,10 @@ public:
     CheckPosition(v, pos);
     if (n == 0) return;
     if (pos > v.m_last) std::abort();
-    if (Bytes(v.m_last, v.m_endOfStorage) >= n * Bytes(v)) {
+    if (Bytes(v.m_last, v.m_endOfStorage) >= n * std::uint64_t{Step(v)}) {
       InsertCopiesInPlace(v, pos, n, value);
     } else {
-      InsertIntoNewBlock(v, GrownBy(v, n), pos,
+      InsertIntoNewBlock(v, CapacityForMany(Size(v), n), pos,
                          [&](char* slot) { return fill_n(v, slot, n, value); });
     }
   }
@@ -245,7 +273,7 @@ public:
       InsertRangeInPlace(v, pos, static_cast<unsigned int>(n), static_cast<char const*>(first),
                          static_cast<char const*>(last));
     } else {
-      InsertIntoNewBlock(v, GrownBy(v, n), pos,
+      InsertIntoNewBlock(v, CapacityForMany(Size(v), n), pos,
                          [&](char* slot) { return copy_over(v, first, last, slot); });
     }
   }
@@ -308,7 +336,7 @@ public:
     if (n < size) {
       Erase(v, v.m_first + n * Step(v), v.m_last);
     } else {
-      std::uint64_t const capacity = n + 2 * std::uint64_t{size} + 1;
+      std::uint64_t const capacity = CapacityForZeros(size, n);
       char* const block = Allocate(v, capacity);
       Copy(v, v.m_first, block, size);
       std::memset(block + size * Step(v), 0, static_cast<std::size_t>(capacity - size) * Step(v));
@@ -324,10 +352,7 @@ public:
     ReplaceBlock(v, block, block + size * Step(v), n);
   }
 
-  static void GrowCapacity(V& v, unsigned int n) {
-    std::uint64_t const size = Size(v);
-    Reserve(v, 2 * size < size + n ? size + n : 2 * size);
-  }
+  static void GrowCapacity(V& v, unsigned int n) { Reserve(v, CapacityForGrowth(Size(v), n)); }
 
   static void swap(V& a, V& b) {
     if (&a == &b) return;
@@ -338,11 +363,11 @@ public:
   /// @}
 
 private:
-  static std::ptrdiff_t Bytes(void const* from, void const* to) {
-    return static_cast<char const*>(to) - static_cast<char const*>(from);
+  /// Unsigned, because a block may be longer than half of the address space.
+  static std::size_t Bytes(void const* from, void const* to) {
+    return static_cast<std::size_t>(static_cast<char const*>(to) - static_cast<char const*>(from));
   }
-  /// Element size, for comparisons of byte counts of up to a block and for address steps.
-  static std::int64_t Bytes(V const& v) { return v.m_replicator.m_size; }
+  /// Element size.
   static std::size_t Step(V const& v) { return static_cast<std::size_t>(v.m_replicator.m_size); }
 
   static void Exchange(char*& a, char*& b) {
@@ -355,16 +380,10 @@ private:
     if (pos < v.m_first || pos > v.m_endOfStorage) std::abort();
   }
 
-  static std::uint64_t GrownBy(V const& v, std::uint64_t n) {
-    std::uint64_t const size = Size(v);
-    return size + (size < n ? n : size);
-  }
-
-  /// Elements of a caller's range. One that no vector can hold gives a count that no block has: the
-  /// length of a range that is too long or ends before its start.
+  /// Elements of a caller's range, also more than a vector can count. For a range that ends before
+  /// it begins: 2^32, so that the request for its block is refused.
   static std::uint64_t WholeCount(V const& v, void const* first, void const* last) {
-    std::ptrdiff_t const n = Bytes(first, last) / v.m_replicator.m_size;
-    return n < 0 ? UINT32_MAX + std::uint64_t{1} : static_cast<std::uint64_t>(n);
+    return last < first ? UINT32_MAX + std::uint64_t{1} : Bytes(first, last) / Step(v);
   }
 
   static void Append(V& v, void const* value) {
@@ -393,7 +412,7 @@ private:
   static void AppendToNewBlock(V& v, char* pos, void const* value) {
     unsigned int const index = Count(v, v.m_first, pos);
     unsigned int const size = Size(v);
-    std::uint64_t const capacity = std::uint64_t{index} + 2 * std::uint64_t{size} + 1;
+    std::uint64_t const capacity = CapacityForAppend(size, index);
     char* const block = Allocate(v, capacity);
     Copy(v, v.m_first, block, size);
     char* const slot = block + index * Step(v);
@@ -420,7 +439,7 @@ private:
   /// after it as at any of those steps.
   static bool OpenGap(V& v, char* pos, unsigned int n) {
     if (!IsPlainData(v.m_replicator)) return false;
-    std::memmove(pos + n * Step(v), pos, static_cast<std::size_t>(v.m_last - pos));
+    std::memmove(pos + n * Step(v), pos, Bytes(pos, v.m_last));
     v.m_last += n * Step(v);
     return true;
   }
@@ -447,14 +466,25 @@ private:
     unsigned int const after = Count(v, pos, oldLast);
     if (after > n) {
       ShiftUp(v, pos, n);
-      copy_over(v, first, last, pos);
+      CopyToPosition(v, first, last, pos);
     } else {
       char const* const split = first + after * Step(v);
       Copy(v, split, oldLast, n - after);
       v.m_last += (n - after) * Step(v);
       Copy(v, pos, v.m_last, after);
       v.m_last += after * Step(v);
-      copy_over(v, first, split, pos);
+      CopyToPosition(v, first, split, pos);
+    }
+  }
+
+  /// Copies a range to the position where it is inserted, in one call. Elements of the vector
+  /// itself on both sides of the position are copied one by one, from the last down: a copy
+  /// function goes from the first up and would overwrite the last of them before it copied them.
+  static void CopyToPosition(V& v, char const* first, char const* last, char* pos) {
+    if (first < pos && pos < last) {
+      copy_backward(v, first, last, pos + Bytes(first, last));
+    } else {
+      copy_over(v, first, last, pos);
     }
   }
 
