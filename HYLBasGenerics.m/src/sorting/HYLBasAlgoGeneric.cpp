@@ -11,20 +11,20 @@
 #include "HYLBasSortSpecial.h"
 #include "HYLBasVector.h"
 #include "LUXCORE.h"
-#include "SortEngine.h"
+#include "WholeArraySort.h"
 
-using hylbas_detail::SortEngine;
+using hylbas_detail::SortWholeArray;
 using Pair = HYLBasPair<int, int>;
 
-void HYLBasSortSpecial(int* begin, int* end) { SortEngine<int>::Sort(begin, end); }
+void HYLBasSortSpecial(int* begin, int* end) { SortWholeArray(begin, end); }
 
-void sortInt64_1(long long* first, long long* last) { SortEngine<long long>::Sort(first, last); }
+void sortInt64_1(long long* first, long long* last) { SortWholeArray(first, last); }
 
 void HYLBasSortSpecial(long long* begin, long long* end) { sortInt64_1(begin, end); }
 
 template <>
 void SGIsort<Pair*>(Pair* first, Pair* last) {
-  SortEngine<Pair>::Sort(first, last);
+  SortWholeArray(first, last);
 }
 
 void HYLBasSortSpecial(Pair* begin, Pair* end) { SGIsort<Pair*>(begin, end); }

@@ -3,12 +3,10 @@
 /// equal ones cannot be told apart, so every sort has the same result and this one is free to take
 /// the fastest way. In place, without memory of its own but for one leaf on the stack.
 ///
-/// Most of a sort's time goes into branches that the processor cannot foresee. There are none in
-/// the inner loops here: partitions advance by the result of a comparison, and short ranges are
-/// sorted by networks of exchanges (K. E. Batcher, "Sorting Networks and Their Applications", 1968;
-/// D. E. Knuth, "The Art of Computer Programming", volume 3, 5.2.2, algorithm M). Two times lg n
-/// partitions in a row that do not finish end in a heap sort, so that no input takes more than
-/// n lg n steps. Recursion is at most lg n deep: it takes the shorter part.
+/// Quicksort, whose partitions and short ranges are the `Ways`' to do: ScalarSteps.h,
+/// VectorSteps.h. Two times lg n partitions in a row that do not finish end in a heap sort, so that
+/// no input takes more than n lg n steps. Recursion is at most lg n deep: it takes the shorter
+/// part.
 #pragma once
 
 #include <algorithm>
@@ -18,41 +16,15 @@
 #include <type_traits>
 #include <utility>
 
-#include "HYLBasPair.h"
 #include "IntrosortSteps.h"
+#include "ScalarSteps.h"
+#include "VectorSort.h"
 
 namespace hylbas_detail {
 
-/// What elements are compared by. Numbers by themselves.
-template <class Element>
-struct SortKey {
-  using Type = Element;
-  static Type Of(Element const& element) { return element; }
-  static Element ElementOf(Type key) { return key; }
-};
-
-/// Pairs by one number: `first` in the upper half, and `second` with its sign flipped, so that the
-/// unsigned order of the lower half is the signed one.
-template <>
-struct SortKey<HYLBasPair<int, int>> {
-  using Type = long long;
-  using Pair = HYLBasPair<int, int>;
-  static Type Of(Pair const& pair) {
-    return static_cast<Type>(Turned(std::bit_cast<unsigned long long>(pair)) ^ sign);
-  }
-  static Pair ElementOf(Type key) {
-    return std::bit_cast<Pair>(Turned(static_cast<unsigned long long>(key) ^ sign));
-  }
-
-private:
-  static constexpr unsigned long long sign = 0x80000000u;
-  static unsigned long long Turned(unsigned long long bits) {
-    return std::endian::native == std::endian::little ? std::rotl(bits, 32) : bits;
-  }
-};
-
-template <class Element>
+template <class Element, class Ways = ScalarWays>
 class SortEngine {
+  using Way = typename Ways::template For<Element>;
   using Key = SortKey<Element>;
   using KeyType = typename Key::Type;
   struct KeysAscending {
@@ -60,16 +32,22 @@ class SortEngine {
   };
   using Steps = IntrosortSteps<Element, std::ptrdiff_t, KeysAscending>;
 
-public:
-  static constexpr std::ptrdiff_t longestLeaf = 32; // longer ranges are partitioned
+  static constexpr std::ptrdiff_t longestLeaf = Way::longestLeaf;
 
+public:
   static void Sort(Element* first, Element* last) {
     if (last - first > longestLeaf) {
       if (IsRun(first, last, [](auto const& a, auto const& b) { return !(b < a); })) return;
       if (IsRun(first, last, [](auto const& a, auto const& b) { return !(a < b); }))
         return std::reverse(first, last);
     }
-    SortUnordered(first, last);
+    if constexpr (std::is_same_v<Element, HYLBasPair<int, int>>) {
+      std::transform(first, last, first, Key::KeyOf);
+      SortUnordered(first, last);
+      std::transform(first, last, first, Key::PairOf);
+    } else {
+      SortUnordered(first, last);
+    }
   }
 
   /// The same without a look whether the array is in order, or in reverse order, already.
@@ -80,12 +58,8 @@ public:
 private:
   template <class InOrder>
   static bool IsRun(Element const* first, Element const* last, InOrder inOrder) {
-    auto previous = Key::Of(*first);
-    while (++first != last) {
-      auto const key = Key::Of(*first);
-      if (!inOrder(previous, key)) return false;
-      previous = key;
-    }
+    while (++first != last)
+      if (!inOrder(first[-1], *first)) return false;
     return true;
   }
 
@@ -98,11 +72,10 @@ private:
       auto const pivot = Key::Of(*first);
       if (!isLeftmost && !(Key::Of(first[-1]) < pivot)) {
         // The pivot is the least element: all that are equal to it are in their places.
-        first = Partition(first, last, [pivot](auto const& key) { return !(pivot < key); });
+        first = Way::template Partition<true>(first, last, pivot);
         continue;
       }
-      Element* const cut =
-          Partition(first + 1, last, [pivot](auto const& key) { return key < pivot; }) - 1;
+      Element* const cut = Way::template Partition<false>(first + 1, last, pivot) - 1;
       std::swap(*first, *cut);
       if (cut - first < last - cut) {
         Quicksort(first, cut, depth, isLeftmost);
@@ -113,21 +86,7 @@ private:
         last = cut;
       }
     }
-    SortLeaf(first, last - first);
-  }
-
-  // Moves the elements whose keys belong to the left before all others; returns the first of those.
-  // The elements between `cut` and `next` are those found to belong to the right.
-  template <class BelongsLeft>
-  static Element* Partition(Element* first, Element* last, BelongsLeft belongsLeft) {
-    Element* cut = first;
-    for (Element* next = first; next != last; ++next) {
-      Element const element = *next;
-      *next = *cut;
-      *cut = element;
-      cut += belongsLeft(Key::Of(element));
-    }
-    return cut;
+    Way::SortLeaf(first, last - first);
   }
 
   // The median of the medians of three times three. At uneven distances, because input often has
@@ -155,88 +114,6 @@ private:
     KeyType const x = a, y = b;
     a = y < x ? y : x;
     b = y < x ? x : y;
-  }
-
-  // Of up to `longestLeaf` elements: two halves, merged.
-  static void SortLeaf(Element* first, std::ptrdiff_t n) {
-    if (n <= longestNetwork) return SortByNetwork(first, n);
-    SortByNetwork(first, n / 2);
-    SortByNetwork(first + n / 2, n - n / 2);
-    MergeHalves(first, n);
-  }
-
-  // From both ends at once: either way takes half of the elements, so that neither leaves a half.
-  static void MergeHalves(Element* first, std::ptrdiff_t n) {
-    KeyType merged[longestLeaf];
-    Element const *left = first, *right = first + n / 2;
-    Element const *leftEnd = right, *rightEnd = first + n;
-    for (std::ptrdiff_t i = 0; i != n / 2; ++i) {
-      bool const takesRight = Key::Of(*right) < Key::Of(*left);
-      merged[i] = Key::Of(*(takesRight ? right : left));
-      right += takesRight;
-      left += !takesRight;
-      bool const takesLeft = Key::Of(rightEnd[-1]) < Key::Of(leftEnd[-1]);
-      merged[n - 1 - i] = Key::Of((takesLeft ? leftEnd : rightEnd)[-1]);
-      leftEnd -= takesLeft;
-      rightEnd -= !takesLeft;
-    }
-    if (n % 2 != 0) merged[n / 2] = Key::Of(*(left < leftEnd ? left : right));
-    std::transform(merged, merged + n, first, Key::ElementOf);
-  }
-
-  static constexpr std::ptrdiff_t longestNetwork = 16;
-
-  struct Exchange {
-    std::size_t low, high;
-  };
-  struct Network {
-    std::array<Exchange, 63> exchanges; // as many as 16 elements take
-    std::size_t size;
-  };
-
-  static constexpr Network NetworkFor(std::size_t n) {
-    Network network{};
-    std::size_t const half = std::bit_ceil(n) / 2;
-    for (std::size_t p = half; p > 0; p /= 2) {
-      std::size_t distance = p, remainder = 0;
-      for (std::size_t q = half;; q /= 2) {
-        for (std::size_t i = 0; i + distance < n; ++i)
-          if ((i & p) == remainder) network.exchanges[network.size++] = {i, i + distance};
-        if (q == p) break;
-        distance = q - p;
-        remainder = p;
-      }
-    }
-    return network;
-  }
-
-  template <std::size_t n>
-  [[gnu::noinline]] static void RunNetwork(Element* first) {
-    static constexpr Network network = NetworkFor(n);
-    KeyType keys[n];
-    Unrolled<n>([&](auto i) { keys[i] = Key::Of(first[i]); });
-    Unrolled<network.size>([&](auto i) {
-      PutInOrder(keys[network.exchanges[i].low], keys[network.exchanges[i].high]);
-    });
-    Unrolled<n>([&](auto i) { first[i] = Key::ElementOf(keys[i]); });
-  }
-
-  // Calls the function with the constants below `n`, which keeps what it indexes in registers.
-  template <std::size_t n, class Function>
-  [[gnu::always_inline]] static inline void Unrolled(Function function) {
-    [&]<std::size_t... i>(std::index_sequence<i...>) {
-      (function(std::integral_constant<std::size_t, i>()), ...);
-    }
-    (std::make_index_sequence<n>());
-  }
-
-  // Of up to `longestNetwork` elements.
-  static void SortByNetwork(Element* first, std::ptrdiff_t n) {
-    static constexpr auto fromTwoOn = []<std::size_t... i>(std::index_sequence<i...>) {
-      return std::array{RunNetwork<i + 2>...};
-    }
-    (std::make_index_sequence<longestNetwork - 1>());
-    if (n >= 2) fromTwoOn[static_cast<std::size_t>(n) - 2](first);
   }
 };
 
