@@ -35,3 +35,4 @@
 #include "HYLBasVectorStructIterator.h"
 #include "HYLBasVectorTextFile.h"
 #include "HYLBasVectorTrackingAllocator.h"
+#include "HYLBasVersion.h"

@@ -7,7 +7,11 @@ set(hylbasHeaders ${CMAKE_INSTALL_INCLUDEDIR}/TARNHYLBasGenericsLib)
 set(hylbasPackage ${CMAKE_INSTALL_LIBDIR}/cmake/TARNHYLBasGenericsLib)
 set(hylbasPkgConfig ${CMAKE_INSTALL_LIBDIR}/pkgconfig)
 
-install(TARGETS TARNHYLBasGenericsLib TARNHYLBasAlloc LUXCORE
+set(hylbasLibraries TARNHYLBasGenericsLib)
+if(HYLBAS_HOST_SERVICES)
+  list(APPEND hylbasLibraries TARNHYLBasAlloc LUXCORE)
+endif()
+install(TARGETS ${hylbasLibraries}
   EXPORT TARNHYLBasGenericsLibTargets
   RUNTIME DESTINATION ${CMAKE_INSTALL_BINDIR}
   LIBRARY DESTINATION ${CMAKE_INSTALL_LIBDIR}
@@ -15,7 +19,7 @@ install(TARGETS TARNHYLBasGenericsLib TARNHYLBasAlloc LUXCORE
   INCLUDES DESTINATION ${hylbasHeaders})
 
 # The libraries find each other wherever they lie together.
-set_target_properties(TARNHYLBasGenericsLib TARNHYLBasAlloc LUXCORE PROPERTIES
+set_target_properties(${hylbasLibraries} PROPERTIES
   INSTALL_RPATH "$ORIGIN")
 
 install(DIRECTORY ${PROJECT_SOURCE_DIR}/ProtectedInterfaces/ ${PROJECT_SOURCE_DIR}/HostInterfaces/
@@ -33,6 +37,7 @@ write_basic_package_version_file(
   ${PROJECT_BINARY_DIR}/TARNHYLBasGenericsLibConfigVersion.cmake
   COMPATIBILITY SameMajorVersion)
 install(FILES
+  ${PROJECT_SOURCE_DIR}/cmake/HostLibraries.cmake
   ${PROJECT_BINARY_DIR}/TARNHYLBasGenericsLibConfig.cmake
   ${PROJECT_BINARY_DIR}/TARNHYLBasGenericsLibConfigVersion.cmake
   DESTINATION ${hylbasPackage})
@@ -49,6 +54,11 @@ foreach(kind INCLUDEDIR LIBDIR)
     set(hylbasPkgConfig_${kind} "\${prefix}/${CMAKE_INSTALL_${kind}}")
   endif()
 endforeach()
+if(HYLBAS_HOST_SERVICES)
+  set(hylbasHostLibs "-lTARNHYLBasAlloc -lLUXCORE")
+else()
+  set(hylbasHostLibs "${HYLBAS_TARNHYLBasAlloc_LIBRARY} ${HYLBAS_LUXCORE_LIBRARY}")
+endif()
 configure_file(${PROJECT_SOURCE_DIR}/cmake/TARNHYLBasGenericsLib.pc.in
   ${PROJECT_BINARY_DIR}/TARNHYLBasGenericsLib.pc @ONLY)
 install(FILES ${PROJECT_BINARY_DIR}/TARNHYLBasGenericsLib.pc DESTINATION ${hylbasPkgConfig})

@@ -1,6 +1,7 @@
 // What a host's own code does first: includes everything, fills a vector and a map, sends a
 // type-erased one through policies of the library, and hands back to the system what it took.
 #include <cstdio>
+#include <string_view>
 
 #include "HYLBasGenerics.h"
 #include "LUXCORE.h"
@@ -48,11 +49,20 @@ bool CallsTheHostsMemoryLibrary() {
   return Check(block != nullptr, "the memory library refused 100 bytes");
 }
 
+bool IsOfItsPackagesVersion() {
+#if defined(PACKAGE_VERSION)
+  return Check(std::string_view(HYLBAS_VERSION_TEXT) == PACKAGE_VERSION,
+               "the header and the package disagree on the version");
+#else
+  return true;
+#endif
+}
+
 } // namespace
 
 int main() {
-  if (!FillsATypedVector() || !KeepsATypedMap() || !DrivesTheCoreWithAPolicy() ||
-      !CallsTheHostsMemoryLibrary())
+  if (!IsOfItsPackagesVersion() || !FillsATypedVector() || !KeepsATypedMap() ||
+      !DrivesTheCoreWithAPolicy() || !CallsTheHostsMemoryLibrary())
     return 1;
   std::puts("consumer: all well");
   return 0;
