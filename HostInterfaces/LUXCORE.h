@@ -8,7 +8,7 @@
 #if defined(LUXCORE_BUILD)
 #define LUXCORE_EXPORT __declspec(dllexport)
 #else
-#define LUXCORE_EXPORT __declspec(dllimport)
+#define LUXCORE_EXPORT
 #endif
 #else
 #define LUXCORE_EXPORT __attribute__((visibility("default")))

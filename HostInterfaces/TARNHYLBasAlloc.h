@@ -16,7 +16,7 @@
 #if defined(TARNHYLBASALLOC_BUILD)
 #define TARNHYLBASALLOC_EXPORT __declspec(dllexport)
 #else
-#define TARNHYLBASALLOC_EXPORT __declspec(dllimport)
+#define TARNHYLBASALLOC_EXPORT
 #endif
 #define TARNHYLBASALLOC_EXPORT_INLINE
 #define TARNHYLBASALLOC_LOCAL

@@ -25,8 +25,8 @@ public:
 };
 
 // Instantiated in the library, so that the function has one address in the process.
-extern template HYLBASGENERICS_EXPORT bool HYLBasStandardComparitor<int>(void const*, void const*,
-                                                                         void const*);
+extern template HYLBASGENERICS_EXPORT_ADDRESS bool
+HYLBasStandardComparitor<int>(void const*, void const*, void const*);
 extern template class HYLBASGENERICS_EXPORT HYLBasComparitor<int>;
 
 /// Whether the zero-terminated byte strings at `a` and `b` differ in any byte. This is a test for

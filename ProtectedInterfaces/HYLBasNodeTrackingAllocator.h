@@ -21,5 +21,6 @@ public:
   /// Gives a block back to the pool; the size is not used.
   static void deallocate(void* p, unsigned int bytes);
 
-  static HYLBasMemPoolMap* m_pool; ///< null until the first construction
+  /// Null until the first construction.
+  static HYLBASGENERICS_EXPORT_ADDRESS HYLBasMemPoolMap* m_pool;
 };

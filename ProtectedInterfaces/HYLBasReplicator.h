@@ -126,15 +126,15 @@ HYLBASGENERICS_EXPORT inline HYLBasReplicatorGeneric HYLBasGetReplicator() {
 
 // The instantiations live in the library, so that a function has one address in the process.
 #define HYLBAS_DECLARE_PLAIN(...)                                                                  \
-  extern template HYLBASGENERICS_EXPORT void HYLBasPODCopy<__VA_ARGS__>(void const*, void*,        \
-                                                                        unsigned int);             \
+  extern template HYLBASGENERICS_EXPORT_ADDRESS void HYLBasPODCopy<__VA_ARGS__>(                   \
+      void const*, void*, unsigned int);                                                           \
   extern template class HYLBASGENERICS_EXPORT HYLBasPODReplicator<__VA_ARGS__>;                    \
   extern template HYLBASGENERICS_EXPORT HYLBasReplicatorGeneric HYLBasGetReplicator<__VA_ARGS__>();
 #define HYLBAS_DECLARE_CLASS(...)                                                                  \
-  extern template HYLBASGENERICS_EXPORT void HYLBasStandardCopy<__VA_ARGS__>(void const*, void*,   \
-                                                                             unsigned int);        \
-  extern template HYLBASGENERICS_EXPORT void HYLBasStandardDestroy<__VA_ARGS__>(void const*,       \
-                                                                                unsigned int);     \
+  extern template HYLBASGENERICS_EXPORT_ADDRESS void HYLBasStandardCopy<__VA_ARGS__>(              \
+      void const*, void*, unsigned int);                                                           \
+  extern template HYLBASGENERICS_EXPORT_ADDRESS void HYLBasStandardDestroy<__VA_ARGS__>(           \
+      void const*, unsigned int);                                                                  \
   extern template class HYLBASGENERICS_EXPORT HYLBasReplicator<__VA_ARGS__>;                       \
   extern template HYLBASGENERICS_EXPORT HYLBasReplicatorGeneric HYLBasGetReplicator<__VA_ARGS__>();
 #define HYLBAS_DECLARE_MAPPED(V) HYLBAS_DECLARE_CLASS(HYLBasPair<int const, V>)

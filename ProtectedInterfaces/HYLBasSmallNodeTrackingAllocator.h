@@ -9,5 +9,6 @@ class HYLBasMemPoolMap;
 /// A pool handle and nothing else, which the library never sets or reads.
 class HYLBASGENERICS_EXPORT HYLBasSmallNodeTrackingAllocator {
 public:
-  static HYLBasMemPoolMap* m_pool; ///< null until a host sets it
+  /// Null until a host sets it.
+  static HYLBASGENERICS_EXPORT_ADDRESS HYLBasMemPoolMap* m_pool;
 };

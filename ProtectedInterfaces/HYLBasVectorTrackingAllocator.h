@@ -43,5 +43,6 @@ public:
   char* PoolName() const;
   /// @}
 
-  static HYLBasMemPoolVector* m_pool; ///< null until `Initialize`
+  /// Null until `Initialize`.
+  static HYLBASGENERICS_EXPORT_ADDRESS HYLBasMemPoolVector* m_pool;
 };

@@ -7,10 +7,19 @@ set(CMAKE_CXX_STANDARD 20)
 set(CMAKE_CXX_STANDARD_REQUIRED ON)
 set(CMAKE_CXX_EXTENSIONS OFF)
 set(CMAKE_CXX_VISIBILITY_PRESET hidden)
-set(CMAKE_VISIBILITY_INLINES_HIDDEN ON)
+if(NOT WIN32) # where it would keep the exported inline members out of the library
+  set(CMAKE_VISIBILITY_INLINES_HIDDEN ON)
+endif()
 set(CMAKE_POSITION_INDEPENDENT_CODE ON)
 
+if(WIN32)
+  set(CMAKE_SHARED_LIBRARY_PREFIX "") # compilers agree on the names of DLLs
+endif()
+
 if(PROJECT_IS_TOP_LEVEL)
+  if(WIN32) # programs find DLLs beside them
+    set(CMAKE_RUNTIME_OUTPUT_DIRECTORY ${PROJECT_BINARY_DIR}/bin)
+  endif()
   set(CMAKE_EXPORT_COMPILE_COMMANDS ON)
   if(NOT CMAKE_BUILD_TYPE AND NOT CMAKE_CONFIGURATION_TYPES)
     set(CMAKE_BUILD_TYPE Release CACHE STRING "Debug, Release, RelWithDebInfo or MinSizeRel" FORCE)

@@ -4,6 +4,8 @@
 
 #if defined(_WIN32)
 #include <new.h>
+// The C runtime's, which not every header of that name declares.
+extern "C" int __cdecl _callnewh(std::size_t size);
 #endif
 
 #include "TARNHYLBasAlloc.h"
@@ -11,14 +13,16 @@
 namespace {
 
 // Gives the installed new handler a chance to find memory; false when there is none or it failed.
+// On Windows there are two of them, C++'s and the C runtime's.
 bool CallNewHandler([[maybe_unused]] std::size_t size) {
+  if (std::new_handler const handler = std::get_new_handler()) {
+    handler();
+    return true;
+  }
 #if defined(_WIN32)
   return _callnewh(size) != 0;
 #else
-  std::new_handler const handler = std::get_new_handler();
-  if (handler == nullptr) return false;
-  handler();
-  return true;
+  return false;
 #endif
 }
 

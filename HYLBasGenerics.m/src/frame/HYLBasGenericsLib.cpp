@@ -72,7 +72,8 @@ void HYLBasGenericsLib_finalizeC() { HYLBasGenericsLib_finalize(unmangledTally);
 
 #if defined(_WIN32)
 
-extern "C" HYLBASGENERICS_EXPORT int __stdcall DllMain(void* /*module*/, unsigned long reason,
+// Marked, since linkers that export everything else by themselves leave this name out.
+extern "C" __declspec(dllexport) int __stdcall DllMain(void* /*module*/, unsigned long reason,
                                                        void* /*reserved*/) {
   NotifyOfLoader(reason);
   return 1;
