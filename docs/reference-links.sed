@@ -3,3 +3,4 @@
 s#\[([^]]*)\]\((\.\./)?(HYLBasGenerics\.m|HostServices|examples|tests|benchmarks|tools)[^)]*\)#\1#g
 s#\[([^]]*)\]\(\#[^)]*\)#\1#g
 s#(\]\([^)]*\.md)\#[^)]*\)#\1)#g
+s#\[([^]]*)\]\(\.\./(HostInterfaces|ProtectedInterfaces)\)#\1#g
