@@ -2,12 +2,20 @@
 #include "HYLBasVectorTextFile.h"
 
 #include <cerrno>
+#include <cfenv>
+#include <cfloat>
+#include <clocale>
 #include <cstdio>
 #include <cstring>
 #include <memory>
 
 #include "HYLBasVectorGeneric.h"
 #include "TARNHYLBasAlloc.h"
+#include "vectors/TextFormat.h"
+#include "vectors/TextLines.h"
+#include "vectors/TextParse.h"
+
+using namespace hylbas_detail;
 
 namespace {
 
@@ -16,6 +24,14 @@ struct FileCloser {
 };
 // Closes the file on every way out, also when the host's memory library leaves by an exception.
 using FileHandle = std::unique_ptr<std::FILE, FileCloser>;
+
+// Whether numbers may be written and read directly: the decimal point is '.', and the C library's
+// functions as well as arithmetic round to nearest, which two registers may decide on.
+bool NumbersArePlain() {
+  double volatile const one = 1, tiny = DBL_MIN;
+  return std::strcmp(std::localeconv()->decimal_point, ".") == 0 &&
+         std::fegetround() == FE_TONEAREST && one + tiny == one - tiny;
+}
 
 // --- Writing
 
@@ -32,28 +48,54 @@ void WriteComment(std::FILE* file, char const* comment) {
   if (comment != nullptr) std::fprintf(file, "%% %s\n", comment);
 }
 
-void WriteValue(std::FILE* file, int value) {
-  std::fprintf(file, "%10ld\n", static_cast<long>(value));
-}
+// Collects lines and hands them to the file many at a time.
+class LineWriter {
+public:
+  explicit LineWriter(std::FILE* file) : m_file(file), m_direct(NumbersArePlain()) {}
 
-void WriteValue(std::FILE* file, double value) { std::fprintf(file, "%10.6lf\n", value); }
+  template <class T>
+  void Write(T const& value) {
+    if (m_lines + sizeof(m_lines) - m_end < lineRoom) Flush();
+    char* const end = m_direct ? FormatLine(m_end, value) : nullptr;
+    if (end != nullptr) {
+      m_end = end;
+    } else {
+      Flush();
+      PrintLine(m_file, value);
+    }
+  }
+
+  void Flush() {
+    std::fwrite(m_lines, 1, m_end - m_lines, m_file);
+    m_end = m_lines;
+  }
+
+private:
+  std::FILE* m_file;
+  bool m_direct;
+  char* m_end = m_lines;
+  char m_lines[65536];
+};
 
 // Writes the bytes of [`first`, `last`) as consecutive values; a rest too short for one is left.
 template <class T>
 void WriteValues(std::FILE* file, char const* first, char const* last) {
+  LineWriter writer(file);
   for (char const* p = first; last - p >= static_cast<std::ptrdiff_t>(sizeof(T)); p += sizeof(T)) {
     T value;
     std::memcpy(&value, p, sizeof(T));
-    WriteValue(file, value);
+    writer.Write(value);
   }
+  writer.Flush();
 }
 
 // --- Reading
 
 enum class Field { real, integer };
 
-// The line that the reader is at, or the piece of a longer one. Empty until a line was read; keeps
-// the last one at the end of the file.
+// The line above the values that the reader is at, or the piece of a longer one. Empty until a line
+// was read; keeps the last one at the end of the file. Reads no further than it must, for a file
+// that is refused may be a pipe whose writer waits.
 class LineReader {
 public:
   explicit LineReader(std::FILE* file) : m_file(file) {}
@@ -101,32 +143,6 @@ void ReportSizeLine(char const* fileName, char const* line) {
   std::fflush(stderr);
 }
 
-// A value as it goes into a slot.
-struct StoredValue {
-  template <class T>
-  void Set(T value) {
-    static_assert(sizeof(T) <= sizeof(m_bytes));
-    std::memcpy(m_bytes, &value, sizeof(T));
-    m_size = sizeof(T);
-  }
-
-  char m_bytes[sizeof(double)];
-  unsigned int m_size; // bytes in use
-};
-
-bool ParseValue(char const* line, Field field, StoredValue& result) {
-  if (field == Field::real) {
-    double value = 0;
-    if (std::sscanf(line, "%lf", &value) != 1) return false;
-    result.Set(value);
-  } else {
-    long long value = 0;
-    if (std::sscanf(line, "%lld", &value) != 1) return false;
-    result.Set(static_cast<int>(value)); // the low 32 bits
-  }
-  return true;
-}
-
 // The block of a vector that is being read; filled first to last.
 class FreshBlock {
 public:
@@ -145,12 +161,13 @@ public:
 
   // Fills the next slot: bytes after a shorter value become zero, those of a longer one reach into
   // the slots after it. A value that would leave the block is dropped.
-  void Store(StoredValue const& value) {
+  template <class T>
+  void Store(T const& value) {
     unsigned int const room = m_bytes - m_used;
-    if (m_start == nullptr || room < m_elementSize || room < value.m_size) return;
-    std::memcpy(EndOfElements(), value.m_bytes, value.m_size);
-    if (m_elementSize > value.m_size)
-      std::memset(EndOfElements() + value.m_size, 0, m_elementSize - value.m_size);
+    if (m_start == nullptr || room < m_elementSize || room < sizeof(T)) return;
+    std::memcpy(EndOfElements(), &value, sizeof(T));
+    if (m_elementSize > sizeof(T))
+      std::memset(EndOfElements() + sizeof(T), 0, m_elementSize - sizeof(T));
     m_used += m_elementSize;
   }
 
@@ -160,6 +177,20 @@ private:
   unsigned int m_used = 0; // bytes of the slots filled so far
   char* m_start = nullptr;
 };
+
+// Stores the value of every further line that has one.
+template <class T>
+void ReadValues(std::FILE* file, FreshBlock& block) {
+  bool const direct = NumbersArePlain();
+  TextLines lines(file);
+  char line[256];
+  T value = 0;
+  while (lines.More()) {
+    char const* const end = direct ? ParseLine(lines.Line(), value) : nullptr;
+    if ((end != nullptr && lines.LeaveFrom(end)) || (lines.Take(line) && ScanLine(line, value)))
+      block.Store(value);
+  }
+}
 
 } // namespace
 
@@ -197,9 +228,10 @@ void HYLBasVectorGeneric::Read(char const* fileName) {
     return;
   }
   FreshBlock block(count, static_cast<unsigned int>(m_replicator.m_size));
-  StoredValue value;
-  while (reader.Next())
-    if (ParseValue(reader.Line(), field, value)) block.Store(value);
+  if (field == Field::real)
+    ReadValues<double>(file.get(), block);
+  else
+    ReadValues<int>(file.get(), block);
   m_first = block.Start();
   m_last = block.EndOfElements();
   m_endOfStorage = block.EndOfStorage();
