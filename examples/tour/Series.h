@@ -15,6 +15,6 @@ struct Series {
   int YearOf(unsigned int i) const { return firstYear + static_cast<int>(i); }
 };
 
-/// Reads the integer or real vector file into `series`. Returns whether the file is whole: where it
-/// is not, the reason is on the standard error stream.
-bool ReadSeries(char const* fileName, Series& series);
+/// Reads the integer or real vector file, which may hold anything. Throws an exception that says
+/// what is wrong with it: `BrokenFile` where another file would do.
+Series ReadSeries(char const* fileName);

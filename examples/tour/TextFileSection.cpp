@@ -8,6 +8,7 @@
 #include <string>
 
 #include "HYLBasVectorTextFile.h"
+#include "Printable.h"
 #include "TourReport.h"
 
 namespace {
@@ -48,7 +49,7 @@ void PrintBeginning(char const* fileName, int lines) {
   std::ifstream in(fileName);
   std::string line;
   for (; lines != 0 && std::getline(in, line); --lines)
-    std::printf("    %s\n", line.c_str());
+    std::printf("    %s\n", Printable(line).c_str());
   if (std::getline(in, line)) std::printf("    ...\n");
 }
 
