@@ -1,63 +1,24 @@
-// The typed map beside its peers: the same body for all of them. Every run starts from a heap in
-// which no freed blocks of earlier runs lie about.
-#include <algorithm>
-#include <map>
+// The typed map's operations beside its peers': the same body for all of them. Every run starts
+// from a heap in which no freed blocks of earlier runs lie about.
 #include <memory>
-#include <vector>
+#include <string>
 
-#include <absl/container/btree_map.h>
-#include <boost/container/map.hpp>
 #if defined(__GLIBC__)
 #include <malloc.h>
 #endif
 
-#include "Compare.h"
-#include "HYLBasMap.h"
+#include "MapSupport.h"
 
 namespace {
 
 using benchmark::State;
+using maps::Ascending;
+using maps::InsertAll;
+using maps::Keys;
+using maps::Orders;
+using maps::TidyHeap;
 
 constexpr unsigned int mostLookups = 100000;
-
-void TidyHeap() {
-#if defined(__GLIBC__)
-  malloc_trim(0);
-#endif
-}
-
-using Keys = std::vector<int>;
-
-Keys Ascending(unsigned int n) {
-  Keys keys(n);
-  for (unsigned int i = 0; i != n; ++i)
-    keys[i] = 2 * static_cast<int>(i);
-  return keys;
-}
-
-// The same keys in several orders, taken in turn: a processor learns the jumps that one order of a
-// thousand keys takes when it comes again and again.
-class Orders {
-public:
-  explicit Orders(unsigned int n) {
-    compare::Random random = compare::FreshRandom();
-    for (unsigned int keys = 0; keys < 100000; keys += n) {
-      m_orders.push_back(Ascending(n));
-      std::shuffle(m_orders.back().begin(), m_orders.back().end(), random);
-    }
-  }
-  Keys const& Next() { return m_orders[m_next++ % m_orders.size()]; }
-
-private:
-  std::vector<Keys> m_orders;
-  std::size_t m_next = 0;
-};
-
-template <class M>
-void InsertAll(M& map, Keys const& keys) {
-  for (int const key : keys)
-    map.insert(typename M::value_type(key, static_cast<typename M::mapped_type>(key)));
-}
 
 // By key and value apart, the form that most callers write.
 template <class M>
@@ -224,18 +185,36 @@ void Clear(State& state, unsigned int n) {
   }
 }
 
+// Bytes of the heap for each element, beyond the map itself.
+template <class M>
+void Memory([[maybe_unused]] State& state, [[maybe_unused]] unsigned int n) {
+#if defined(__GLIBC__)
+  auto const used = [] {
+    auto const heap = mallinfo2();
+    return static_cast<double>(heap.uordblks + heap.hblkhd);
+  };
+  for (auto _ : state) {
+    Keys const keys = Orders(n).Next();
+    double const before = used();
+    M map;
+    InsertAll(map, keys);
+    state.counters["bytes for each"] = (used() - before) / n;
+  }
+#endif
+}
+
 template <class M>
 void RegisterMap(std::string const& type, char const* who) {
   auto const all = [&](char const* name, auto run) {
-    for (unsigned int const size : {1000u, 100000u, 1000000u})
+    for (unsigned int const size : compare::Sizes({1000, 100000, 1000000}))
       compare::Register(std::string("map/") + name + '/' + type, size, who, run);
   };
   all("insert random", InsertRandom<M>);
   all("emplace random", EmplaceRandom<M>);
   all("insert ascending", InsertAscending<M>);
   all("find hit", FindHit<M>);
-  compare::Register("map/find repeatedly/" + type, 100, who, FindRepeatedly<M>);
-  compare::Register("map/find repeatedly/" + type, 1000, who, FindRepeatedly<M>);
+  for (unsigned int const size : {100u, 1000u})
+    compare::Register("map/find repeatedly/" + type, size, who, FindRepeatedly<M>);
   all("find miss", FindMiss<M>);
   all("index present", IndexPresent<M>);
   all("index new", IndexNew<M>);
@@ -243,6 +222,8 @@ void RegisterMap(std::string const& type, char const* who) {
   all("iterate", Iterate<M>);
   all("copy", Copy<M>);
   all("clear", Clear<M>);
+  for (unsigned int const size : compare::Sizes({1000, 100000}))
+    compare::Register("memory/map/" + type, size, who, Memory<M>);
 }
 
 template <class V>

@@ -1,5 +1,6 @@
 // Vectors as text files beside the plain loops of the C library's functions, over the same file
 // format. Files lie where the system keeps temporary ones: `TMPDIR` chooses another place.
+#include <algorithm>
 #include <cstdio>
 #include <cstring>
 #include <filesystem>
@@ -42,7 +43,7 @@ template <class T>
 using VectorOf = std::unique_ptr<HYLBasVector<T>>;
 
 // So many files in turn that the processor cannot learn them by heart.
-unsigned int NumberOfFiles(unsigned int n) { return 1 + 65536 / n; }
+unsigned int NumberOfFiles(unsigned int n) { return std::min(64u, 1 + 65536 / n); }
 
 template <class T>
 std::vector<HYLBasVector<T>> Contents(Values<T> const& values, unsigned int n) {

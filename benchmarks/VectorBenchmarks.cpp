@@ -1,4 +1,7 @@
 // The typed vector beside std::vector: the same body for both.
+#include <initializer_list>
+#include <iterator>
+#include <string>
 #include <vector>
 
 #include "Compare.h"
@@ -98,6 +101,81 @@ void EraseInTheMiddle(State& state, unsigned int n) {
 }
 
 template <class V>
+void InsertAtTheFront(State& state, unsigned int n) {
+  V v = Filled<V>(n);
+  v.reserve(n + 1);
+  for (auto _ : state) {
+    v.insert(v.begin(), 7);
+    v.pop_back();
+    benchmark::ClobberMemory();
+  }
+  compare::CountOperations(state, 1);
+}
+
+// Ranges of three until there are `n` elements or more.
+template <class V>
+void AppendRanges(State& state, unsigned int n) {
+  typename V::value_type const range[] = {1, 2, 3};
+  auto const* end = std::end(range);
+  benchmark::DoNotOptimize(end); // how many they are is not to be known
+  V v;
+  v.reserve(n + 3);
+  for (auto _ : state) {
+    while (v.size() < n)
+      v.insert(v.end(), std::begin(range), end);
+    benchmark::ClobberMemory();
+    v.clear();
+  }
+  compare::CountOperations(state, (n + 2) / 3);
+}
+
+template <class V>
+void Swap(State& state, unsigned int n) {
+  V a = Filled<V>(n), b = Filled<V>(n + 1);
+  for (auto _ : state) {
+    benchmark::DoNotOptimize(&a);
+    benchmark::DoNotOptimize(&b);
+    benchmark::ClobberMemory();
+    a.swap(b);
+  }
+  compare::CountOperations(state, 1);
+}
+
+// Short-lived short vectors, as they come into being in a loop.
+template <class V>
+void ShortLived(State& state, unsigned int n) {
+  for (auto _ : state) {
+    V v(n, 1);
+    v.push_back(2);
+    benchmark::DoNotOptimize(v.begin());
+    benchmark::ClobberMemory();
+  }
+  compare::CountOperations(state, 1);
+}
+
+template <class V>
+void Assign(State& state, unsigned int n) {
+  V const v = Filled<V>(n);
+  V target = Filled<V>(n);
+  for (auto _ : state) {
+    target = v;
+    benchmark::ClobberMemory();
+  }
+}
+
+// Bytes of the blocks of vectors that grew by appending.
+template <class V>
+void Memory(State& state, unsigned int n) {
+  for (auto _ : state) {
+    V v;
+    for (unsigned int i = 0; i != n; ++i)
+      v.push_back(1);
+    state.counters["bytes for each"] =
+        static_cast<double>(v.capacity()) * sizeof(typename V::value_type) / n;
+  }
+}
+
+template <class V>
 void ResizeWithValue(State& state, unsigned int n) {
   V v;
   v.reserve(n);
@@ -123,21 +201,28 @@ template <class T>
 void RegisterAll(char const* type) {
   using Ours = HYLBasVector<T>;
   using Std = std::vector<T>;
-  auto const both = [&](char const* name, auto ours, auto peer, auto const&... sizes) {
-    std::string const caseName = std::string("vector/") + name + '/' + type;
-    ((compare::Register(caseName, sizes, "ours", ours),
-      compare::Register(caseName, sizes, "std", peer)),
-     ...);
+  auto const both = [&](char const* name, auto ours, auto peer,
+                        std::initializer_list<unsigned int> sizes) {
+    for (unsigned int const size : compare::Sizes(sizes)) {
+      compare::Register(std::string(name) + '/' + type, size, "ours", ours);
+      compare::Register(std::string(name) + '/' + type, size, "std", peer);
+    }
   };
-  both("push_back", PushBack<Ours>, PushBack<Std>, 16u, 1000u, 1000000u, 20000000u);
-  both("indexed loop", IndexedLoop<Ours>, IndexedLoop<Std>, 16u, 1000u, 1000000u);
-  both("begin-end loop", IteratorLoop<Ours>, IteratorLoop<Std>, 16u, 1000u, 1000000u);
-  both("at loop", AtLoop<Ours>, AtLoop<Std>, 16u, 1000u, 1000000u);
-  both("insert 1", InsertOneInTheMiddle<Ours>, InsertOneInTheMiddle<Std>, 100u, 10000u);
-  both("insert 64", Insert64InTheMiddle<Ours>, Insert64InTheMiddle<Std>, 100u, 10000u);
-  both("erase", EraseInTheMiddle<Ours>, EraseInTheMiddle<Std>, 100u, 10000u);
-  both("resize", ResizeWithValue<Ours>, ResizeWithValue<Std>, 16u, 1000u, 100000u);
-  both("copy", Copy<Ours>, Copy<Std>, 16u, 1000u, 100000u);
+  both("vector/push_back", PushBack<Ours>, PushBack<Std>, {16, 1000, 1000000, 20000000});
+  both("vector/indexed loop", IndexedLoop<Ours>, IndexedLoop<Std>, {16, 1000, 1000000});
+  both("vector/begin-end loop", IteratorLoop<Ours>, IteratorLoop<Std>, {16, 1000, 1000000});
+  both("vector/at loop", AtLoop<Ours>, AtLoop<Std>, {16, 1000, 1000000});
+  both("vector/insert 1", InsertOneInTheMiddle<Ours>, InsertOneInTheMiddle<Std>, {100, 10000});
+  both("vector/insert 64", Insert64InTheMiddle<Ours>, Insert64InTheMiddle<Std>, {100, 10000});
+  both("vector/insert at the front", InsertAtTheFront<Ours>, InsertAtTheFront<Std>, {4, 16, 100});
+  both("vector/append ranges of 3", AppendRanges<Ours>, AppendRanges<Std>, {16, 1000});
+  both("vector/erase", EraseInTheMiddle<Ours>, EraseInTheMiddle<Std>, {100, 10000});
+  both("vector/resize", ResizeWithValue<Ours>, ResizeWithValue<Std>, {16, 1000, 100000});
+  both("vector/copy", Copy<Ours>, Copy<Std>, {16, 1000, 100000});
+  both("vector/assign", Assign<Ours>, Assign<Std>, {16, 1000, 100000});
+  both("vector/swap", Swap<Ours>, Swap<Std>, {16});
+  both("vector/short-lived", ShortLived<Ours>, ShortLived<Std>, {4, 16});
+  both("memory/vector", Memory<Ours>, Memory<Std>, {1000, 100000});
 }
 
 [[maybe_unused]] bool const registered = [] {
