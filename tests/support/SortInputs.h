@@ -18,6 +18,7 @@ struct Pattern {
   char const* name;
   int (*valueAt)(int i, int n, std::mt19937& random);
 };
+inline constexpr int firstInOrder = 7; // among the patterns
 inline constexpr Pattern patterns[] = {
     {"random", [](int, int, std::mt19937& random) { return static_cast<int>(random()); }},
     {"sorted", [](int i, int, std::mt19937&) { return i; }},
@@ -26,6 +27,24 @@ inline constexpr Pattern patterns[] = {
     {"organ-pipe", [](int i, int n, std::mt19937&) { return std::min(i, n - i); }},
     {"equal", [](int, int, std::mt19937&) { return 7; }},
     {"last-is-least", [](int i, int n, std::mt19937&) { return i == n - 1 ? -1 : i; }},
+    // One or two passes must do for these.
+    {"1%-replaced",
+     [](int i, int n, std::mt19937& random) {
+       return random() % 100 == 0 ? static_cast<int>(random() % 1024) * n / 1024 : i;
+     }},
+    {"1%-replaced-downwards",
+     [](int i, int n, std::mt19937& random) { return random() % 100 == 0 ? n / 3 : n - i; }},
+    {"high-in-twos", [](int i, int n, std::mt19937&) { return i % 64 < 2 ? n + i : i; }},
+    {"displaced-by-few", [](int i, int, std::mt19937&) { return i + i % 5; }},
+    {"rotated", [](int i, int n, std::mt19937&) { return (i + n / 3) % n; }},
+    {"rotated-downwards", [](int i, int n, std::mt19937&) { return n - (i + n / 3) % n; }},
+    {"first-half-reversed", [](int i, int n, std::mt19937&) { return i < n / 2 ? n / 2 - i : i; }},
+    {"second-half-reversed",
+     [](int i, int n, std::mt19937&) { return i < n / 2 ? i : n + n / 2 - i; }},
+    {"3%-appended",
+     [](int i, int n, std::mt19937& random) {
+       return i < n - n / 32 ? i : static_cast<int>(random() % 1024) * n / 1024;
+     }},
 };
 
 inline std::vector<int> Make(Pattern const& pattern, int n, unsigned int seed = 1) {

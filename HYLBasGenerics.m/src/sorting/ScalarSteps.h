@@ -23,6 +23,8 @@ class ScalarSteps {
 
 public:
   static constexpr std::ptrdiff_t longestLeaf = 32; // longer ranges are partitioned
+  static constexpr std::ptrdiff_t fewMoved = 10;
+  static constexpr bool looksForOrder = true;
 
   /// Moves the elements whose keys belong to the left before all others: those below the pivot, or
   /// up to it. Returns the first of the others.

@@ -17,6 +17,7 @@
 #include <utility>
 
 #include "IntrosortSteps.h"
+#include "NearlyOrdered.h"
 #include "ScalarSteps.h"
 #include "VectorSort.h"
 
@@ -34,39 +35,54 @@ class SortEngine {
 
   static constexpr std::ptrdiff_t longestLeaf = Way::longestLeaf;
 
+  struct Before {
+    bool operator()(Element const& a, Element const& b) const {
+      return Key::NumberOf(a) < Key::NumberOf(b);
+    }
+  };
+  using Order = NearlyOrdered<Element, Before>;
+
 public:
   static void Sort(Element* first, Element* last) {
-    if (last - first > longestLeaf) {
-      if (IsRun(first, last, [](auto const& a, auto const& b) { return !(b < a); })) return;
-      if (IsRun(first, last, [](auto const& a, auto const& b) { return !(a < b); }))
-        return std::reverse(first, last);
-    }
-    if constexpr (std::is_same_v<Element, HYLBasPair<int, int>>) {
-      std::transform(first, last, first, Key::KeyOf);
-      SortUnordered(first, last);
-      std::transform(first, last, first, Key::PairOf);
-    } else {
-      SortUnordered(first, last);
-    }
+    if (last - first > longestLeaf && SortByOrder(first, last)) return;
+    SortUnordered(first, last);
   }
 
-  /// The same without a look whether the array is in order, or in reverse order, already.
+  /// The same without a look for order that is there already.
   static void SortUnordered(Element* first, Element* last) {
+    if constexpr (isPair) Key::PairsToKeys(first, last);
     Quicksort(first, last, 2 * Steps::FloorLog2(last - first), true);
+    if constexpr (isPair) Key::KeysToPairs(first, last);
   }
 
 private:
-  template <class InOrder>
-  static bool IsRun(Element const* first, Element const* last, InOrder inOrder) {
-    while (++first != last)
-      if (!inOrder(first[-1], *first)) return false;
-    return true;
+  static constexpr bool isPair = std::is_same_v<Element, HYLBasPair<int, int>>;
+
+  // Whether the array is sorted now, because it nearly was.
+  static bool SortByOrder(Element* first, Element* last) {
+    constexpr std::ptrdiff_t share = Way::fewMoved;
+    Element* sorted = Order::SortRuns(first, last, share, SortUnordered);
+    if (sorted == last) return true;
+    if (last - first < Order::fewestToLookAt) return false;
+    auto const look = Order::LookAt(first, last);
+    if (look.farDescents == 0 && look.descents <= look.all / 4) {
+      sorted = Order::SortByInsertion(first, sorted, last);
+      if (sorted == last) return true;
+    }
+    if (look.all - look.descents <= look.all / share && look.least >= look.size * 3 / 4) {
+      std::reverse(first, last);
+      sorted = first + 1;
+    } else if (look.descents > look.all / share || look.most > look.size / 4) {
+      return false;
+    }
+    return Order::SortByMoving(first, sorted, last, share, SortUnordered);
   }
 
-  // Unless `isLeftmost`, `first[-1]` is an element of the array, and none in the range is less than
-  // it: it was the pivot, or lay before the cut, of a partition that came before.
+  // Unless `isLeftmost`, an element stands before the range that comes after none in it.
   static void Quicksort(Element* first, Element* last, std::ptrdiff_t depth, bool isLeftmost) {
     while (last - first > longestLeaf) {
+      if constexpr (Way::looksForOrder)
+        if (NearlyOrdered<Element, KeysAscending>::IsAscending(first, last)) return;
       if (depth-- == 0) return Steps::PartialSort(first, last, last, {});
       std::swap(*first, *MedianOfNine(first, last));
       auto const pivot = Key::Of(*first);

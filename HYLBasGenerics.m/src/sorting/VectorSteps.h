@@ -17,6 +17,8 @@ class Steps {
 
 public:
   static constexpr std::ptrdiff_t longestLeaf = leafVectors * lanes;
+  static constexpr std::ptrdiff_t fewMoved = 2 * lanes;
+  static constexpr bool looksForOrder = false;
 
   /// Moves the elements whose keys belong to the left before all others: those below the pivot, or
   /// up to it. Returns the first of the others. At least `2 * block` elements.
