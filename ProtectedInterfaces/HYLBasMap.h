@@ -28,6 +28,7 @@
 #include "HYLBasTreeGeneric.h"
 #include "HYLBasTreeIterator.h"
 #include "HYLBasTreeNodeGeneric.h"
+#include "detail/HYLBasElementBytes.h"
 #include "detail/HYLBasExport.h"
 #include "detail/HYLBasInstantiations.h"
 #include "detail/HYLBasPlainElement.h"
@@ -176,7 +177,7 @@ public:
   /// The element with `key`, whose value is `value` afterwards.
   iterator InsertOver(K const& key, V const& value) {
     HYLBasPairIterBoolGeneric const result = Inline::InsertUnique(m_tree, value_type(key, value));
-    if (!result.second) iterator(result.first)->second = value;
+    if (!result.second) hylbas_detail::CopyElement(&value, &iterator(result.first)->second);
     return result.first;
   }
   /// The element with the key of `element`, and whether it was inserted; an existing one keeps its

@@ -7,6 +7,7 @@
 #include <gtest/gtest.h>
 
 #include "HYLBasArray2D.h"
+#include "HYLBasMap.h"
 #include "HYLBasMicroList.h"
 #include "HYLBasPair.h"
 #include "HYLBasSwap.h"
@@ -90,6 +91,22 @@ TYPED_TEST(SignallingNaN, StaysOneInArrays) {
   MakeNaN(nan);
   CheckArray<HYLBasArray2D<TypeParam, 0>>(nan);
   CheckArray<HYLBasArray2D<TypeParam, 1>>(nan);
+}
+
+TYPED_TEST(SignallingNaN, StaysOneInMaps) {
+  TypeParam nan;
+  MakeNaN(nan);
+  HYLBasMap<int, TypeParam> map;
+  map.Insert(1, nan);
+  map.InsertOver(2, nan);
+  map.InsertOver(3, 1);
+  map.InsertOver(3, nan);
+  map.insert({4, nan});
+  map.insert(map.end(), {5, nan});
+  map.insert(map.begin(), map.end());
+  for (auto const& element : HYLBasMap<int, TypeParam>(map.begin(), map.end()))
+    ExpectNaNs(&element.second, &element.second + 1);
+  EXPECT_EQ(map.size(), 5u);
 }
 
 TYPED_TEST(SignallingNaN, StaysOneInPairsAndLists) {
