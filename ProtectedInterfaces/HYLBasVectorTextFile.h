@@ -30,7 +30,11 @@
 ///
 /// Lines longer than 255 characters, counting the newline, are taken in pieces of 255, each as a
 /// line of its own. Numbers are what the C library's `printf` and `scanf` make of them, under the
-/// process's locale.
+/// locale and the rounding mode that hold when the values begin: most are written and read several
+/// times faster than those functions do it, to the same byte and bit. What another thread changes
+/// of the two meanwhile may reach some of the values. Writing takes 64 KB of stack, reading 20 KB.
+///
+/// A pipe is read line by line down to the size line, then in large blocks to its end.
 ///
 /// Reading an integer file into anything but `int`, or a real one into anything but `double`,
 /// stores the bytes of the `int` or `double`, as far as they stay inside the block, one element

@@ -164,7 +164,7 @@ public:
     case 2:
       return near((whole + 0.5) / 1e6);
     case 3:
-      return near(std::ldexp(1, static_cast<int>(Below(160)) - 80));
+      return near(std::ldexp(1, static_cast<int>(Below(160)) - (Below(4) ? 80 : 1100)));
     case 4:
       return near(static_cast<double>(tens[Below(20)]) / (Below(2) ? 1 : 1e7));
     default:
@@ -174,7 +174,7 @@ public:
 
   // A line, most of them with a number in one of the ways to write it.
   std::string Line() {
-    std::string line(Below(4) ? Below(3) : Below(12), ' ');
+    std::string line(Below(64) == 0 ? 230 + Below(30) : Below(4) ? Below(3) : Below(12), ' ');
     char number[400];
     switch (Below(8)) {
     case 0:

@@ -83,8 +83,8 @@ inline char const* ParseLine(char const* line, int& value) {
   return p;
 }
 
-// The power of ten that an exponent at `p` stands for; null for one without digits, which makes the
-// C library refuse the whole number, and for a long one.
+// The power of ten that an exponent at `p` stands for; null for one without digits, about which
+// C libraries differ, and for a long one.
 inline char const* TakeExponent(char const* p, int& exponent) {
   if (*p != 'e' && *p != 'E') return p;
   ++p;
