@@ -6,6 +6,7 @@
 #include <cstddef>
 #include <cstdint>
 #include <functional>
+#include <ostream>
 #include <vector>
 
 namespace recording {
@@ -26,6 +27,12 @@ struct Event {
   std::size_t n;
   bool operator==(Event const&) const = default;
 };
+
+inline std::ostream& operator<<(std::ostream& out, Event const& event) {
+  auto const& [kind, a, b, n] = event;
+  return out << kind << ' ' << a.block << '+' << a.offset << ' ' << b.block << '+' << b.offset
+             << ' ' << n;
+}
 
 /// The calls since `Reset`.
 std::vector<Event>& Events();

@@ -42,19 +42,8 @@ public:
     return {m_bytes.begin() + static_cast<std::ptrdiff_t>(first), m_bytes.end()};
   }
 
-  /// Carries out `operation`, at times with one of its requests for memory failing, and tells
-  /// whether it was completed.
-  template <class Operation>
-  bool Completes(Operation operation) {
-    recording::FailRequest(OneIn(8) ? 1 + Below(4) : 0);
-    try {
-      operation();
-    } catch (std::bad_alloc const&) {
-      return false;
-    }
-    recording::FailRequest(0);
-    return true;
-  }
+  /// Which of the next requests for memory is to fail: mostly none, which is 0.
+  unsigned int FailingRequest() { return OneIn(8) ? 1 + Below(4) : 0; }
 
 private:
   unsigned int Byte() { return m_next == m_bytes.size() ? 0 : m_bytes[m_next++]; }
@@ -62,6 +51,20 @@ private:
   std::vector<std::uint8_t> m_bytes;
   std::size_t m_next = 0;
 };
+
+/// Carries out `operation`, in which that request for memory fails, and tells whether it was
+/// completed.
+template <class Operation>
+bool Completes(unsigned int failingRequest, Operation operation) {
+  recording::FailRequest(failingRequest);
+  try {
+    operation();
+  } catch (std::bad_alloc const&) {
+    return false;
+  }
+  recording::FailRequest(0);
+  return true;
+}
 
 /// The one walk of a program, which `hylbas_add_walk` makes a test of so many runs of so many
 /// choices each, a test of its corpus and a fuzzer. The first choice of run number r is r.

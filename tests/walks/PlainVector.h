@@ -9,7 +9,7 @@
 #include <string>
 #include <vector>
 
-#include "RecordingMemory.h"
+#include "support/RecordingMemory.h"
 
 namespace model {
 
@@ -38,14 +38,32 @@ public:
     SetBlock(n, n);
     Fill(At(0), n, value);
   }
+  void InitZeros(unsigned int n) { SetBlock(n, n); } // as new blocks are
+  void InitRange(Place first, unsigned int n) {
+    SetBlock(n, n);
+    Copy(first, At(0), n);
+  }
+  void InitFrom(PlainVector const& other) {
+    m_destroys = other.m_destroys;
+    InitRange(other.At(0), other.size);
+  }
   void Release() {
     Destroy(At(0), size);
     if (block < 0) return;
     m_memory->events.push_back({'F', {block, 0}, {-1, 0}, 0});
     m_memory->blocks.erase(block);
   }
-  void AssignFrom(PlainVector other) {
-    Replace(other.size, other.size, [&](PlainVector&) { Copy(other.At(0), At(0), other.size); });
+  void AssignFrom(PlainVector const& other) {
+    PlainVector copy(*this);
+    copy.InitFrom(other);
+    Swap(copy);
+    copy.Release();
+  }
+  /// Each keeps its replicator.
+  void Swap(PlainVector& other) {
+    std::swap(block, other.block);
+    std::swap(size, other.size);
+    std::swap(capacity, other.capacity);
   }
 
   void PushBack(Place value) { Insert(size, value); }
@@ -110,6 +128,36 @@ public:
     if (n > capacity) MoveTo(n, size);
   }
 
+  /// \name Single steps
+  /// @{
+  void Copy(Place from, Place to, unsigned int n) {
+    m_memory->events.push_back({'C', from, to, n});
+    for (unsigned int i = 0; i != n; ++i)
+      std::memmove(Bytes(Later(to, i)), Bytes(Later(from, i)), s);
+  }
+  void Destroy(Place first, unsigned int n) {
+    if (m_destroys) m_memory->events.push_back({'D', first, {-1, 0}, n});
+  }
+  bool HasSameBytes(Place value) {
+    std::string const bytes(reinterpret_cast<char const*>(Bytes(value)), s);
+    return bytes == std::string(s, bytes[0]);
+  }
+  void Fill(Place to, unsigned int n, Place value) {
+    if (!m_destroys && n > 3 && HasSameBytes(value)) {
+      std::memset(Bytes(to), *Bytes(value), std::size_t{n} * s);
+      return;
+    }
+    for (unsigned int i = 0; i != n; ++i)
+      Copy(value, Later(to, i), 1);
+  }
+  void AllocateAndDiscard(unsigned int n) {
+    PlainVector copy(*this);
+    copy.InitZeros(n);
+    copy.size = 0, copy.m_destroys = false;
+    copy.Release();
+  }
+  /// @}
+
 private:
   // The place `n` elements on.
   Place Later(Place p, unsigned int n) const {
@@ -137,23 +185,6 @@ private:
     Replace(newCapacity, newSize, [&](PlainVector& old) { Copy(old.At(0), At(0), old.size); });
   }
 
-  void Copy(Place from, Place to, unsigned int n) {
-    m_memory->events.push_back({'C', from, to, n});
-    for (unsigned int i = 0; i != n; ++i)
-      std::memmove(Bytes(Later(to, i)), Bytes(Later(from, i)), s);
-  }
-  void Destroy(Place first, unsigned int n) {
-    if (m_destroys) m_memory->events.push_back({'D', first, {-1, 0}, n});
-  }
-  void Fill(Place to, unsigned int n, Place value) {
-    std::string const bytes(reinterpret_cast<char const*>(n ? Bytes(value) : nullptr), n ? s : 0);
-    if (!m_destroys && n > 3 && bytes == std::string(s, bytes[0])) {
-      std::memset(Bytes(to), bytes[0], std::size_t{n} * s);
-      return;
-    }
-    for (unsigned int i = 0; i != n; ++i)
-      Copy(value, Later(to, i), 1);
-  }
   void ShiftUp(unsigned int k, unsigned int n) {
     Copy(At(size - n), At(size), n);
     for (unsigned int i = size - n; i != k; --i)
