@@ -78,6 +78,8 @@ TEST(GlobalNew, AllocatesFromTheRuntimeHeapOrCallsTheHandler) {
     EXPECT_EQ(handlerCalls, 3);
 
     std::set_new_handler([] { throw std::bad_alloc(); });
+    std::size_t volatile const size = tooMuch; // unseen, since compilers refuse such a request
+    EXPECT_EQ(::operator new(size, std::nothrow), nullptr);
     if (form.debug) {
       EXPECT_EQ(form(tooMuch), nullptr);
     } else {
