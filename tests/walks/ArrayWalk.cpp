@@ -97,7 +97,8 @@ public:
 
   void Step() {
     int const k = Below(2), action = Below(14);
-    auto const [m, n] = Shape();
+    int m = 0, n = 0;
+    std::tie(m, n) = Shape();
     Array &a = *m_arrays[k], &other = *m_arrays[Below(2)];
     Model& model = m_models[k];
     Model const from = m_models[&other == m_arrays[1]];
@@ -214,7 +215,8 @@ private:
 
   void Construct(int k) {
     int const way = Below(8);
-    auto const [m, n] = Shape();
+    int m = 0, n = 0;
+    std::tie(m, n) = Shape();
     m_models[k] = {};
     T* own = m_own;
     auto const type = static_cast<MemType>(Below(2) ? Below(3) : Below(9) - 4);

@@ -3,6 +3,7 @@
 #include <cstring>
 #include <map>
 #include <memory>
+#include <tuple>
 
 #include "HYLBasTreeGeneric.h"
 #include "HYLBasTreeIteratorGeneric.h"
@@ -95,7 +96,9 @@ public:
     int const i = Below(2), other = Below(2), action = Below(12);
     Tree& tree = *m_trees[i];
     PlainTree& m = m_models[i];
-    auto const [value, held] = SomeValue(m);
+    void const* value = nullptr;
+    model::Held held = {};
+    std::tie(value, held) = SomeValue(m);
     int p = SomePosition(m);
     if (m_choices.OneIn(3)) {
       p = m.Bound(held, true);

@@ -164,7 +164,9 @@ public:
     auto const s = static_cast<std::ptrdiff_t>(elementSize);
     char* const first = static_cast<char*>(v.Begin());
     unsigned int const k = Below(m.size + 1), n = Below(2) ? Below(6) : Below(40);
-    auto const [value, place] = m_choices.OneIn(4) || m.size == 0 ? Value() : ValueOf(i);
+    void const* value = nullptr;
+    Place place = {};
+    std::tie(value, place) = m_choices.OneIn(4) || m.size == 0 ? Value() : ValueOf(i);
     unsigned int const action = Below(isRecordVector<V> ? 19 : isErased<V> ? 17 : 16);
     SCOPED_TRACE("action " + std::to_string(action));
     if (action < 2) Do([&] { v.PushBack(value); }, [&] { m.PushBack(place); });
@@ -247,7 +249,9 @@ private:
   }
   void MakeAnew(unsigned int i) {
     HYLBasReplicatorGeneric& replicator = m_replicators[i];
-    auto const [value, place] = Value();
+    void const* value = nullptr;
+    Place place = {};
+    std::tie(value, place) = Value();
     unsigned int const n = Below(6), way = m_vectors[1 - i] ? Below(5) : 0;
     model::PlainVector &m = m_models[i], &other = m_models[1 - i];
     std::optional<V>& v = m_vectors[i];
@@ -287,9 +291,10 @@ private:
     SCOPED_TRACE("private action " + std::to_string(action));
     char *const at = static_cast<char*>(v.Begin()) + k * s, *const end = at + after * s;
     if (action == 0)
-      Do([&] { (v.*growCapacity)(n); }, [&] { m.Reserve(std::max(2 * m.size, m.size + n)); });
+      Do([&, grow = growCapacity] { (v.*grow)(n); },
+         [&] { m.Reserve(std::max(2 * m.size, m.size + n)); });
     if (action == 1 && (after != 0 || m.size == m.capacity))
-      Do([&] { (v.*insertAux)(at, value); }, [&] { m.Insert(k, place); });
+      Do([&, insert = insertAux] { (v.*insert)(at, value); }, [&] { m.Insert(k, place); });
     if (action == 2) (v.*fill)(at, end, value), m.Fill(m.At(k), after, place);
     if (action == 3) {
       EXPECT_EQ((v.*fill_n)(at, count, value), at + count * s);
@@ -307,7 +312,8 @@ private:
     if (action == 6) (v.*destroyRun)(at, after), m.Destroy(m.At(k), after);
     if (action == 7) (v.*destroyOne)(at), m.Destroy(m.At(k), 1);
     if (action == 8) {
-      Do([&] { (v.*deallocate)((v.*allocate)(n), n); }, [&] { m.AllocateAndDiscard(n); });
+      Do([&, make = allocate, drop = deallocate] { (v.*drop)((v.*make)(n), n); },
+         [&] { m.AllocateAndDiscard(n); });
       EXPECT_EQ((v.*sameBytes)(value), m.HasSameBytes(place));
       EXPECT_TRUE((v.*distance)(end, at) == after && (v.*distance)(at, end) == 0u - after);
       EXPECT_EQ(&(v.*largerOf)(n, k), n < k ? &k : &n);
