@@ -3,6 +3,8 @@
 /// reference take theirs from here.
 #pragma once
 
+#include "detail/HYLBasExport.h" // which refuses languages before C++20
+
 /// \name Version
 /// Numbers as semantic versioning counts them: hosts need to be built again for another major one.
 /// @{
