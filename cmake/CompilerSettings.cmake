@@ -46,6 +46,16 @@ if(HYLBAS_TARGET_IS_32BIT_X86)
   add_compile_options(-msse2 -mfpmath=sse)
 endif()
 
+# Kernels that take no 32-bit programs run those of the tests under an emulator.
+if(HYLBAS_TARGET_IS_32BIT_X86 AND PROJECT_IS_TOP_LEVEL AND HYLBAS_BUILD_TESTS AND NOT CMAKE_CROSSCOMPILING)
+  include(CheckCXXSourceRuns)
+  check_cxx_source_runs("int main() { return 0; }" HYLBAS_RUNS_32BIT_PROGRAMS)
+  if(NOT HYLBAS_RUNS_32BIT_PROGRAMS)
+    find_program(HYLBAS_QEMU_I386 qemu-i386 REQUIRED)
+    set(CMAKE_CROSSCOMPILING_EMULATOR ${HYLBAS_QEMU_I386})
+  endif()
+endif()
+
 # What a host may put its own definitions in place of lives in the host libraries, always called
 # from another one, so within one library g++ may bind and inline calls as clang does by itself.
 if(CMAKE_CXX_COMPILER_ID STREQUAL "GNU")
