@@ -192,7 +192,7 @@ private:
     ASSERT_EQ(map.empty(), twin.plain.Empty());
     CompareBelow(map.end().m_node->m_parent, twin.plain.Root());
     auto const& isBefore = [](Pair const& a, Pair const& b) { return a.first < b.first; };
-    ASSERT_EQ(std::distance(map.begin(), map.end()), std::ptrdiff_t{map.size()});
+    ASSERT_EQ(std::distance(map.begin(), map.end()), static_cast<std::ptrdiff_t>(map.size()));
     ASSERT_TRUE(std::is_sorted(map.begin(), map.end(), isBefore));
   }
 
