@@ -2,6 +2,7 @@
 // from a heap in which no freed blocks of earlier runs lie about.
 #include <memory>
 #include <string>
+#include <vector>
 
 #if defined(__GLIBC__)
 #include <malloc.h>
@@ -185,7 +186,8 @@ void Clear(State& state, unsigned int n) {
   }
 }
 
-// Bytes of the heap for each element, beyond the map itself.
+// Bytes of the heap for each element, beyond the map itself. Of so many maps that what the heap
+// keeps for itself does not count.
 template <class M>
 void Memory([[maybe_unused]] State& state, [[maybe_unused]] unsigned int n) {
 #if defined(__GLIBC__)
@@ -193,12 +195,13 @@ void Memory([[maybe_unused]] State& state, [[maybe_unused]] unsigned int n) {
     auto const heap = mallinfo2();
     return static_cast<double>(heap.uordblks + heap.hblkhd);
   };
+  Orders orders(n);
   for (auto _ : state) {
-    Keys const keys = Orders(n).Next();
+    std::vector<M> maps(1 + 100000 / n);
     double const before = used();
-    M map;
-    InsertAll(map, keys);
-    state.counters["bytes for each"] = (used() - before) / n;
+    for (M& map : maps)
+      InsertAll(map, orders.Next());
+    state.counters["bytes for each"] = (used() - before) / static_cast<double>(maps.size() * n);
   }
 #endif
 }

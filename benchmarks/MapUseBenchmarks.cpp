@@ -144,7 +144,7 @@ void QueueByKey(State& state, unsigned int n) {
     for (unsigned int i = 0; i != n; ++i) {
       int key = (*map.begin()).first;
       map.erase(map.begin());
-      key += 1 + static_cast<int>(random() % (4 * n));
+      key += 1 + static_cast<int>(random() % (4ul * n));
       while (!map.insert(typename M::value_type(key, 1)).second)
         ++key;
     }
@@ -196,7 +196,7 @@ void RefilledGaps(State& state, unsigned int n) {
     for (std::size_t i = keys.size(); i-- != 0;)
       map.insert(typename M::value_type(keys[i], 1));
   }
-  compare::CountOperations(state, n / 10 * 2);
+  compare::CountOperations(state, std::size_t{n / 10} * 2);
 }
 
 // Maps of eight elements: made, filled, looked into and gone.
@@ -204,7 +204,7 @@ template <class M>
 void TinyMaps(State& state, unsigned int n) {
   maps::TidyHeap();
   Random random = compare::FreshRandom();
-  Keys keys(n / 8 * 8);
+  Keys keys(std::size_t{n / 8} * 8);
   for (auto _ : state) {
     state.PauseTiming();
     for (int& key : keys)
@@ -263,7 +263,7 @@ void ShortRanges(State& state, unsigned int n) {
   for (auto _ : state) {
     state.PauseTiming();
     for (int& start : starts)
-      start = static_cast<int>(random() % (2 * n));
+      start = static_cast<int>(random() % (2ul * n));
     state.ResumeTiming();
     for (int const start : starts) {
       auto position = map.lower_bound(start);
