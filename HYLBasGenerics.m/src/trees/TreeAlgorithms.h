@@ -46,6 +46,7 @@ public:
   void Add(HYLBasTreeNodeGeneric* x) {
     __builtin_prefetch(x);
     // As a number, because a null pointer must not be added to.
+    // NOLINTNEXTLINE(performance-no-int-to-ptr)
     __builtin_prefetch(reinterpret_cast<void*>(reinterpret_cast<std::uintptr_t>(x) + m_nodeSize));
     if (m_batched != batchSize) {
       m_batch[m_batched] = x;
