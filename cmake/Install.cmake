@@ -73,3 +73,10 @@ if(UNIX)
     DESTINATION ${CMAKE_INSTALL_DATADIR}/gdb/auto-load${CMAKE_INSTALL_FULL_LIBDIR}
     RENAME $<TARGET_FILE_NAME:TARNHYLBasGenericsLib>-gdb.py)
 endif()
+
+# `cpack -G ZIP` packs all of it.
+if(PROJECT_IS_TOP_LEVEL)
+  set(CPACK_PACKAGE_VENDOR "${PROJECT_NAME}")
+  set(CPACK_VERBATIM_VARIABLES YES)
+  include(CPack)
+endif()

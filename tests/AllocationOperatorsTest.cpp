@@ -8,26 +8,21 @@
 #include <new>
 #include <string>
 
-#include <dlfcn.h>
 #include <gtest/gtest.h>
 
 #include "HYLBasAllocationOperators.h"
 #include "support/SanitizerOptions.h"
+#include "support/SharedLibraries.h"
 
 namespace {
 
 constexpr std::size_t tooMuch = SIZE_MAX - 64;
 
-// The library's own definition of a symbol, or null. In mangled names `j` and `m` are the size type
-// of 32 and 64 bits; in those of allocation functions it stands fifth.
+// What the library exports under a mangled name, or null. `m` in it stands for the size type, fifth
+// in the names of allocation functions, and is another letter where that is not unsigned long.
 void* FromLibrary(std::string name) {
-  if (sizeof(std::size_t) == 4 && name[4] == 'm') name[4] = 'j';
-  static void* const library = dlopen(HYLBAS_LIBRARY_FILE, RTLD_NOW | RTLD_NOLOAD);
-  Dl_info info;
-  void* const symbol = library == nullptr ? nullptr : dlsym(library, name.c_str());
-  bool const found = symbol != nullptr && dladdr(symbol, &info) != 0 &&
-                     std::strstr(info.dli_fname, "libTARNHYLBasGenericsLib") != nullptr;
-  return found ? symbol : nullptr;
+  if (name[4] == 'm') name[4] = sizeof(std::size_t) == 4 ? 'j' : sizeof(long) == 4 ? 'y' : 'm';
+  return SymbolOf(LoadedLibrary(HYLBAS_LIBRARY_FILE), name.c_str());
 }
 
 using Plain = void*(std::size_t);
@@ -76,6 +71,18 @@ TEST(GlobalNew, AllocatesFromTheRuntimeHeapOrCallsTheHandler) {
     });
     EXPECT_EQ(form(tooMuch), nullptr);
     EXPECT_EQ(handlerCalls, 3);
+#if defined(_WIN32)
+    // The C runtime's own: memory is tried again while it answers other than 0.
+    handlerCalls = 0;
+    using Handler = int (*)(std::size_t);
+    auto* const setHandler = reinterpret_cast<Handler (*)(Handler)>(
+        SymbolOf(LoadedLibrary("msvcrt.dll"), "?_set_new_handler@@YAP6AH_K@ZP6AH0@Z@Z"));
+    ASSERT_NE(setHandler, nullptr);
+    setHandler([](std::size_t) { return ++handlerCalls == 3 ? 0 : 1; });
+    EXPECT_EQ(form(tooMuch), nullptr);
+    EXPECT_EQ(handlerCalls, 3);
+    setHandler(nullptr);
+#endif
 
     std::set_new_handler([] { throw std::bad_alloc(); });
     std::size_t volatile const size = tooMuch; // unseen, since compilers refuse such a request
@@ -92,9 +99,10 @@ TEST(GlobalNew, AllocatesFromTheRuntimeHeapOrCallsTheHandler) {
 TEST(GlobalNew, ReplacesTheProcesssOwn) {
   if (HYLBAS_ADDRESS_SANITIZER) GTEST_SKIP() << "the sanitizer replaces the operators itself";
   if (!HYLBAS_EXPORT_GLOBAL_NEW) GTEST_SKIP() << "left out of this build";
-  bool const wide = sizeof(std::size_t) > 4;
-  EXPECT_EQ(dlsym(RTLD_DEFAULT, wide ? "_Znwm" : "_Znwj"), FromLibrary("_Znwm"));
-  EXPECT_EQ(dlsym(RTLD_DEFAULT, wide ? "_Znam" : "_Znaj"), FromLibrary("_Znam"));
+  // Through pointers that the compiler knows nothing of: it takes for granted that these throw.
+  Plain* volatile const own[] = {::operator new, ::operator new[] };
+  for (Plain* const form : own)
+    EXPECT_EQ(form(tooMuch), nullptr);
 }
 
 // What makes a new-expression test for null before it constructs anything.

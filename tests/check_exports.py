@@ -21,15 +21,23 @@ GLOBAL_NEW = {"operator new(std::size_t)", "operator new[](std::size_t)"}
 
 
 def normalized(name):
-    return re.sub(r"(operator new(?:\[\])?)\(unsigned (?:int|long)\b", r"\1(std::size_t", name)
+    return re.sub(r"(operator new(?:\[\])?)\(unsigned (?:int|long long|long)\b", r"\1(std::size_t", name)
 
 
-def exported(nm, library, instrumented):
-    command = [nm, "--dynamic", "--demangle", "--defined-only", "--format=posix", library]
-    output = subprocess.run(command, check=True, capture_output=True, text=True).stdout
-    # "name type address size": the name itself may hold blanks.
-    entries = [re.fullmatch(r"(.*) [A-Za-z] [0-9a-f]+(?: [0-9a-f]+)? ?", line) for line in output.splitlines()]
-    names = {normalized(entry[1]) for entry in entries}
+def output_of(*command, **options):
+    return subprocess.run(command, check=True, capture_output=True, text=True, **options).stdout
+
+
+def exported(nm, objdump, library, instrumented):
+    if library.endswith(".dll"):
+        table = output_of(objdump, "--private-headers", library)
+        mangled = re.findall(r"^\t\[ *\d+\] (?:\+base\[ *\d+\] +[0-9a-f]+ )?(\S+)$", table.partition("[Ordinal/Name Pointer] Table")[2], re.M)
+        lines = output_of("c++filt", "--no-strip-underscore", input="\n".join(mangled)).splitlines()
+    else:
+        output = output_of(nm, "--dynamic", "--demangle", "--defined-only", "--format=posix", library)
+        # "name type address size": the name itself may hold blanks.
+        lines = [re.fullmatch(r"(.*) [A-Za-z] [0-9a-f]+(?: [0-9a-f]+)? ?", line)[1] for line in output.splitlines()]
+    names = {normalized(name) for name in lines}
     added = INSTRUMENTATION if instrumented else re.compile(r"(?!)")
     return {name for name in names if name not in LINKER and not added.match(name)}
 
@@ -39,6 +47,7 @@ def main():
     parser.add_argument("library")
     parser.add_argument("list")
     parser.add_argument("--nm", default="nm")
+    parser.add_argument("--objdump", default="objdump")
     parser.add_argument("--without-global-new", action="store_true",
                         help="the library was built with HYLBAS_EXPORT_GLOBAL_NEW off")
     parser.add_argument("--instrumented", action="store_true",
@@ -46,7 +55,7 @@ def main():
     parser.add_argument("--update", action="store_true", help="write the list instead of comparing")
     arguments = parser.parse_args()
 
-    found = exported(arguments.nm, arguments.library, arguments.instrumented)
+    found = exported(arguments.nm, arguments.objdump, arguments.library, arguments.instrumented)
     if not found:
         sys.exit(f"{arguments.library} exports nothing: is it a stripped or a static library?")
     if arguments.update:

@@ -76,8 +76,12 @@ void PrintExtremes(Series const& series, Decades const& decades,
   std::printf("\n  The decades of the highest and of the lowest mean, extracted:\n\n");
   for (int i = 0; i < extremes.GetNumberOfRows(); ++i) {
     std::printf("  from %5d ", series.YearOf(static_cast<unsigned int>(chosen[i] * decades.years)));
-    for (int j = 0; j < extremes.GetNumberOfColumns(); ++j)
-      std::printf(" %5.10g", extremes(i, j));
+    for (int j = 0; j < extremes.GetNumberOfColumns(); ++j) {
+      // Not as wide by itself: mingw-w64's %g comes out short where the number ends in zeros.
+      char text[32];
+      std::snprintf(text, sizeof text, "%.10g", extremes(i, j));
+      std::printf(" %5s", text);
+    }
     std::printf("\n");
   }
 }

@@ -3,6 +3,7 @@
 /// went.
 #pragma once
 
+#include <cstddef>
 #include <functional>
 #include <utility>
 
@@ -13,7 +14,7 @@ struct PlainIntrosort {
   std::function<bool(E, E)> before = std::less<>();
   int heapSorts = 0;
 
-  static int Lg(long n) { return n < 2 ? 0 : 1 + Lg(n >> 1); }
+  static int Lg(std::ptrdiff_t n) { return n < 2 ? 0 : 1 + Lg(n >> 1); }
 
   void Sort(E* first, E* last) {
     Loop(first, last, 2 * Lg(last - first));
@@ -73,15 +74,15 @@ struct PlainIntrosort {
     *last = value;
   }
 
-  void PushHeap(E* heap, long hole, long top, E value) {
+  void PushHeap(E* heap, std::ptrdiff_t hole, std::ptrdiff_t top, E value) {
     for (; hole > top && before(heap[(hole - 1) / 2], value); hole = (hole - 1) / 2)
       heap[hole] = heap[(hole - 1) / 2];
     heap[hole] = value;
   }
-  void AdjustHeap(E* heap, long hole, long len, E value) {
-    long const top = hole;
+  void AdjustHeap(E* heap, std::ptrdiff_t hole, std::ptrdiff_t len, E value) {
+    std::ptrdiff_t const top = hole;
     while (2 * hole + 1 < len) {
-      long child = 2 * hole + 1;
+      std::ptrdiff_t child = 2 * hole + 1;
       if (child + 1 < len && !before(heap[child + 1], heap[child])) ++child;
       heap[hole] = heap[child];
       hole = child;
@@ -89,7 +90,7 @@ struct PlainIntrosort {
     PushHeap(heap, hole, top, value);
   }
   void MakeHeap(E* first, E* last) {
-    for (long parent = (last - first) / 2; parent-- > 0;)
+    for (std::ptrdiff_t parent = (last - first) / 2; parent-- > 0;)
       AdjustHeap(first, parent, last - first, first[parent]);
   }
   void PopHeapTo(E* first, E* last, E* result, E value) {

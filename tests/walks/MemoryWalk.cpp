@@ -148,7 +148,7 @@ TEST(MemoryEnds, TheProcessWithAReportWhereCallersDoNotCope) {
           std::set_new_handler([] { std::fputs("handler;", stderr); });
           allocate(unsatisfiable);
         },
-        "^handler;[^;]*out of memory");
+        "^handler;\\*\\*\\* Error: out of memory");
   }
 }
 
@@ -162,37 +162,45 @@ TEST(MemoryEnds, TheProcessAtARequestThatNoRegionHolds) {
     }
 }
 
-void LimitAddressSpace(rlim_t bytes) {
+constexpr unsigned long long noLimit = ~0ull;
+
+#if defined(_WIN32)
+void LimitAddressSpace(unsigned long long /*bytes*/) {}
+bool AddressSpaceCanBeLimited() { return false; }
+#else
+void LimitAddressSpace(unsigned long long bytes) {
   rlimit limit;
   getrlimit(RLIMIT_AS, &limit);
-  limit.rlim_cur = std::min(bytes, limit.rlim_max);
+  limit.rlim_cur = static_cast<rlim_t>(std::min<unsigned long long>(bytes, limit.rlim_max));
   setrlimit(RLIMIT_AS, &limit);
 }
 
-// Emulators of a processor take the limit without keeping to it.
+// The address sanitizer needs all of it; emulators of a processor take a limit without keeping to
+// it.
 bool AddressSpaceCanBeLimited() {
-  LimitAddressSpace(rlim_t{1} << 31);
+  if (HYLBAS_ADDRESS_SANITIZER) return false;
+  LimitAddressSpace(1ull << 31);
   rlimit limit;
   getrlimit(RLIMIT_AS, &limit);
-  LimitAddressSpace(RLIM_INFINITY);
+  LimitAddressSpace(noLimit);
   return limit.rlim_cur != RLIM_INFINITY;
 }
+#endif
 
 // Allocates under a limit that only the new handler lifts; the process's exit code tells.
 [[noreturn]] void AllocateWithTheHandlersHelp() {
   static int calls = 0;
-  LimitAddressSpace(rlim_t{256} << 20);
+  LimitAddressSpace(256u << 20);
   std::set_new_handler([] {
     ++calls;
-    LimitAddressSpace(RLIM_INFINITY);
+    LimitAddressSpace(noLimit);
   });
   void* const block = mem_Malloc_Handled(512u << 20);
   std::_Exit(block != nullptr && calls == 1 ? 0 : 1);
 }
 
 TEST(MemoryEnds, NothingWhereTheHandlerFindsSome) {
-  if (HYLBAS_ADDRESS_SANITIZER || !AddressSpaceCanBeLimited())
-    GTEST_SKIP() << "its address space cannot be limited";
+  if (!AddressSpaceCanBeLimited()) GTEST_SKIP() << "the address space cannot be limited here";
   EXPECT_EXIT(AllocateWithTheHandlersHelp(), testing::ExitedWithCode(0), "");
 }
 
