@@ -78,7 +78,8 @@ private:
     return Order::SortByMoving(first, sorted, last, share, SortUnordered);
   }
 
-  // Unless `isLeftmost`, an element stands before the range that comes after none in it.
+  // Unless `isLeftmost`, there is a `first[-1]`, the pivot of an earlier partition. It comes after
+  // no element of the range, and so tells whether the new pivot is the least of them.
   static void Quicksort(Element* first, Element* last, std::ptrdiff_t depth, bool isLeftmost) {
     while (last - first > longestLeaf) {
       if constexpr (Way::looksForOrder)
