@@ -157,8 +157,9 @@ public:
       if (i == 1 && m_choices.OneIn(2)) m_replicators[i].m_destroy = nullptr;
       auto const s = static_cast<unsigned int>(elementSize);
       m_models.emplace_back(m_memory, s, m_replicators[i].m_destroy == RecordingDestroy);
-      MakeAnew(i);
     }
+    for (int i : {0, 1})
+      MakeAnew(i);
   }
   ~VectorsAndModels() {
     for (int i : {0, 1}) {
