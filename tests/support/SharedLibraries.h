@@ -29,10 +29,19 @@ inline void* SymbolOf(void* library, char const* name) {
 #else
 
 #include <dlfcn.h>
+#include <link.h>
 
 inline void* LoadSharedLibrary(char const* file) { return dlopen(file, RTLD_NOW | RTLD_LOCAL); }
 inline bool UnloadSharedLibrary(void* library) { return dlclose(library) == 0; }
 inline void* LoadedLibrary(char const* file) { return dlopen(file, RTLD_NOW | RTLD_NOLOAD); }
-inline void* SymbolOf(void* library, char const* name) { return dlsym(library, name); }
+inline void* SymbolOf(void* library, char const* name) {
+  void* const symbol = dlsym(library, name); // found in the libraries that it needs, too
+  link_map* wanted = nullptr;
+  Dl_info found;
+  if (symbol == nullptr || dlinfo(library, RTLD_DI_LINKMAP, &wanted) != 0 ||
+      dladdr(symbol, &found) == 0 || std::strcmp(found.dli_fname, wanted->l_name) != 0)
+    return nullptr;
+  return symbol;
+}
 
 #endif
