@@ -4,6 +4,7 @@
 
 #include "HYLBasTreeNodeGeneric.h"
 #include "detail/HYLBasExport.h"
+#include "detail/HYLBasPrefetch.h"
 
 /// A position in a tree whose value type is not known: nothing but its node, copied by value. The
 /// end position is the tree's header. Steps cost amortised constant time; stepping past either end
@@ -21,7 +22,7 @@ public:
       m_node = m_node->m_right;
       // The right child of a node passed on the way down is needed one step after that node.
       for (; m_node->m_left != nullptr; m_node = m_node->m_left)
-        __builtin_prefetch(m_node->m_right);
+        hylbas_detail::Prefetch(m_node->m_right);
       return;
     }
     HYLBasTreeNodeGeneric* y = m_node->m_parent;

@@ -7,6 +7,7 @@
 #pragma once
 
 #include "HYLBasComparitor.h"
+#include "HYLBasPrefetch.h"
 #include "HYLBasTreeNodeGeneric.h"
 
 namespace hylbas_detail {
@@ -165,8 +166,8 @@ Leaf FindLeaf(HYLBasTreeNodeGeneric* header, int valueOffset, void const* value,
   for (HYLBasTreeNodeGeneric* x = header->m_parent; x != nullptr;) {
     leaf.parent = x;
     // Both: the child not taken is needed by many a rebalancing, as the uncle of the new node.
-    __builtin_prefetch(x->m_left);
-    __builtin_prefetch(x->m_right);
+    Prefetch(x->m_left);
+    Prefetch(x->m_right);
     StepToLeaf(x, leaf.before, valueOffset, value, order);
   }
   return leaf;

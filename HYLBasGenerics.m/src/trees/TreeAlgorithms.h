@@ -9,6 +9,7 @@
 #include "HYLBasTreeIteratorGeneric.h"
 #include "NodeMemory.h"
 #include "TreeLinks.h"
+#include "detail/HYLBasPrefetch.h"
 #include "detail/HYLBasTreeDescent.h"
 
 namespace hylbas_detail {
@@ -44,10 +45,10 @@ public:
 
   // Null is left out, without a jump: half of all children are null, in no order.
   void Add(HYLBasTreeNodeGeneric* x) {
-    __builtin_prefetch(x);
+    Prefetch(x);
     // As a number, because a null pointer must not be added to.
     // NOLINTNEXTLINE(performance-no-int-to-ptr)
-    __builtin_prefetch(reinterpret_cast<void*>(reinterpret_cast<std::uintptr_t>(x) + m_nodeSize));
+    Prefetch(reinterpret_cast<void*>(reinterpret_cast<std::uintptr_t>(x) + m_nodeSize));
     if (m_batched != batchSize) {
       m_batch[m_batched] = x;
       m_batched += x != nullptr;
@@ -197,8 +198,8 @@ public:
   template <class Copy>
   static void CloneChildren(Tree& tree, Node* x, Node* clone, Copy copy) {
     for (;;) {
-      __builtin_prefetch(x->m_left);
-      __builtin_prefetch(x->m_right);
+      Prefetch(x->m_left);
+      Prefetch(x->m_right);
       if (x->m_right != nullptr) {
         clone->m_right = CloneBelow(tree, x->m_right, clone, copy);
         CloneChildren(tree, x->m_right, clone->m_right, copy);
