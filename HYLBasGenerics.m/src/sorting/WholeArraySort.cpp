@@ -10,7 +10,7 @@ using namespace hylbas_detail;
 // Until the library's own variables are initialised, the way that any processor has.
 enum class Choice { scalar = 0, avx2, avx512 };
 
-Choice const choice = [] {
+[[maybe_unused]] Choice const choice = [] {
 #ifdef HYLBAS_SORTS_VECTORS
   if (avx512::IsSupported()) return Choice::avx512;
   if (avx2::IsSupported()) return Choice::avx2;

@@ -1,0 +1,13 @@
+# Linux on another processor, `triple`, by clang++ with Debian's libraries for it; programs run under
+# `emulator`. (Debian's own cross g++ cannot be installed beside the one for 32-bit x86.)
+set(CMAKE_SYSTEM_NAME Linux)
+set(CMAKE_C_COMPILER clang-14)
+set(CMAKE_CXX_COMPILER clang++-14)
+set(CMAKE_C_COMPILER_TARGET ${triple})
+set(CMAKE_CXX_COMPILER_TARGET ${triple})
+set(CMAKE_FIND_ROOT_PATH /usr/${triple})
+set(CMAKE_FIND_ROOT_PATH_MODE_PROGRAM NEVER)
+foreach(kind IN ITEMS LIBRARY INCLUDE PACKAGE)
+  set(CMAKE_FIND_ROOT_PATH_MODE_${kind} ONLY)
+endforeach()
+set(CMAKE_CROSSCOMPILING_EMULATOR ${emulator} -L /usr/${triple})
