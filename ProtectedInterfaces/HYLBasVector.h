@@ -2,11 +2,12 @@
 /// The typed growable array, with the member names of a standard sequence container.
 ///
 /// Take it for plain numbers: it is `HYLBasVectorGeneric` with typed names and adds no storage.
-/// Element access, size and appending with room are inline and cost what they cost on a plain
-/// array; everything else is one call into the library. It differs from `std::vector` in these
-/// points: counts are 32 bits, growth triples (see `HYLBasVectorGeneric.h` for the exact numbers),
-/// exhausted memory is the host's memory library's to handle, which ends the process unless a new
-/// handler helps or throws, and `at` ends the process too.
+/// Element access, size, and what needs no new block of appending, inserting and assigning are
+/// inline and cost what they cost on a plain array; everything else is one call into the library.
+/// It differs from `std::vector` in these points: counts are 32 bits, growth triples (see
+/// `HYLBasVectorGeneric.h` for the exact numbers), exhausted memory is the host's memory library's
+/// to handle, which ends the process unless a new handler helps or throws, and `at` ends the
+/// process too.
 ///
 /// It takes every plain type (trivially copyable, default-constructible, assignable, aligned no
 /// more strictly than the memory library's blocks), and refuses the others in words. The library
@@ -23,6 +24,7 @@
 
 #include <cstddef>
 #include <cstdlib>
+#include <cstring>
 #include <limits>
 #include <type_traits>
 #include <utility>
@@ -215,12 +217,36 @@ public:
   T* insert(T* pos) { return insert(pos, T()); }
   /// Inserts a copy of `value` before `pos`; returns its position.
   T* insert(T* pos, T const& value) {
+    if constexpr (std::is_arithmetic_v<T>) {
+      if (hylbas_detail::OpenGap(m_data.m_first, m_data.m_last, m_data.m_endOfStorage, pos, 1)) {
+        hylbas_detail::CopyElement(&value, pos);
+        return pos;
+      }
+    }
     return fromGeneric(m_data.Insert(pos, static_cast<void const*>(&value)));
   }
   /// Inserts `n` copies of `value` before `pos`.
-  void insert(T* pos, unsigned int n, T const& value) { m_data.Insert(pos, n, &value); }
+  void insert(T* pos, unsigned int n, T const& value) {
+    if constexpr (std::is_arithmetic_v<T>) {
+      if (hylbas_detail::OpenGap(m_data.m_first, m_data.m_last, m_data.m_endOfStorage, pos, n)) {
+        hylbas_detail::FillElements(pos, n, value);
+        return;
+      }
+    }
+    m_data.Insert(pos, n, &value);
+  }
   /// Inserts copies of the elements of [`first`, `last`) before `pos`.
   void insert(T* pos, T const* first, T const* last) {
+    if constexpr (std::is_arithmetic_v<T>) {
+      // A range that ends before it begins is longer than any room, and thus left to the core.
+      auto const bytes = static_cast<std::size_t>(toGeneric(last) - toGeneric(first));
+      auto const room = static_cast<std::size_t>(m_data.m_endOfStorage - m_data.m_last);
+      if (pos == end() && bytes != 0 && bytes <= room) {
+        std::memmove(m_data.m_last, first, bytes);
+        m_data.m_last += bytes;
+        return;
+      }
+    }
     m_data.Insert(pos, static_cast<void const*>(first), static_cast<void const*>(last));
   }
   /// @}
@@ -257,7 +283,16 @@ public:
   /// @{
 
   /// The contents become `n` copies of `value`.
-  void assign(unsigned int n, T const& value) { m_data.Assign(n, &value); }
+  void assign(unsigned int n, T const& value) {
+    if constexpr (std::is_arithmetic_v<T>) {
+      if (n <= capacity()) {
+        hylbas_detail::FillElements(begin(), n, value);
+        m_data.m_last = toGeneric(begin() + n);
+        return;
+      }
+    }
+    m_data.Assign(n, &value);
+  }
   /// Removes the elements from `n` on, or appends zero elements up to `n`.
   void resize(unsigned int n) { resize(n, T()); }
   /// Removes the elements from `n` on, or appends copies of `value` up to `n`.

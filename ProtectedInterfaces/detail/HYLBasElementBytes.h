@@ -48,6 +48,21 @@ void FillElements(T* first, std::size_t count, T const& value) {
   }
 }
 
+/// Moves the elements from `pos` on, which end at `last`, up by `n` slots within their block.
+/// False, and nothing done, for what a vector's core is to do: where there is no room, `pos` is not
+/// in
+/// [`first`, `last`] or `n` is 0.
+template <class T>
+bool OpenGap(char* first, char*& last, char* endOfStorage, T* pos, unsigned int n) {
+  char* const gap = reinterpret_cast<char*>(pos);
+  if (gap < first || gap > last || n == 0) return false;
+  if (n > static_cast<std::size_t>(endOfStorage - last) / sizeof(T)) return false;
+  std::size_t const bytes = n * sizeof(T);
+  std::memmove(gap + bytes, gap, static_cast<std::size_t>(last - gap));
+  last += bytes;
+  return true;
+}
+
 /// Stores the bits of a number once more, after an initialisation that may have changed them.
 template <class T>
 void KeepBits(T const& from, T& to) {
