@@ -33,7 +33,9 @@
 
 /// Allocates `size` bytes, aligned for any scalar type; never returns null. While memory is
 /// exhausted it calls the installed new handler and tries again; without a handler it reports on
-/// the standard error stream and ends the process.
+/// the standard error stream and ends the process. So it does after one call of the handler where
+/// nothing that is freed could help: where 4294967295 bytes are asked for, which is what the
+/// library asks for when a count of bytes does not fit 32 bits.
 TARNHYLBASALLOC_EXPORT void* mem_Malloc_Handled(unsigned int size);
 
 /// Allocates `size` bytes; returns null when memory is exhausted.

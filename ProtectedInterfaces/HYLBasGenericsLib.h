@@ -18,8 +18,10 @@
 /// finds the layer in use, or leaves it in use, does not touch it.
 ///
 /// Neither the counts nor the tallies are guarded: start and stop from one thread at a time.
-/// Constant time. An initialisation throws only what `HYLBasVectorTrackingAllocator::Initialize`
-/// throws; the counts and the tally have risen by then and stay so.
+/// Constant time. An initialisation lets out what `HYLBasAlloc_initialize` and
+/// `HYLBasVectorTrackingAllocator::Initialize` throw. Layers that had begun then count as started,
+/// on the tally too, and those behind them do not: the finalisation that belongs to the failed call
+/// would stop more than was started, and must be left out.
 #pragma once
 
 #include "detail/HYLBasExport.h"

@@ -2,8 +2,9 @@
 /// The typed growable array, with the member names of a standard sequence container.
 ///
 /// Take it for plain numbers: it is `HYLBasVectorGeneric` with typed names and adds no storage.
-/// Element access, size, and what needs no new block of appending, inserting and assigning are
-/// inline and cost what they cost on a plain array; everything else is one call into the library.
+/// Element access, size, and as long as no new block is needed, appending, inserting copies of one
+/// value and filling are inline and cost what they cost on a plain array; everything else is one
+/// call into the library.
 /// It differs from `std::vector` in these points: counts are 32 bits, growth triples (see
 /// `HYLBasVectorGeneric.h` for the exact numbers), exhausted memory is the host's memory library's
 /// to handle, which ends the process unless a new handler helps or throws, and `at` ends the
@@ -15,8 +16,9 @@
 /// types it comes into being in your program, with all members but `Write`, for which a text file
 /// has no name of the type.
 ///
-/// Invalidation, for every operation: positions are plain pointers. When the capacity changes all
-/// of them are invalid; otherwise those before the changed element stay valid.
+/// Invalidation: positions are plain pointers. Where the block is replaced, which growing and every
+/// assignment of a vector do, all of them are invalid; otherwise those before the changed element
+/// stay valid. After `swap` they all belong to the other vector.
 ///
 /// A value or a range may lie in the vector itself; `HYLBasVectorGeneric.h` says what is then
 /// copied.

@@ -8,8 +8,8 @@
 ///
 /// Layout, growth, positions, what is invalidated and what ends the process are those of
 /// `HYLBasVectorGeneric.h`, and so is what may be given of a vector's own records, except that
-/// `RangeCheck` writes no message. A vector built from a
-/// record size alone copies its records bytewise, over either replicator.
+/// `RangeCheck` writes no message. A vector built from a record size alone copies its records
+/// bytewise, over either replicator.
 #pragma once
 
 #include <cstddef>

@@ -8,9 +8,9 @@
 class HYLBasMemPoolVector;
 
 /// Blocks from the vector pool. Holds no data of its own; all objects share the pool. Everything
-/// but `Initialize` and `Verify` needs the pool to be set, which loading the library does;
-/// unchecked. The pool is not guarded: one thread at a time among all users of the policy in the
-/// process, also where each has vectors of its own. Constant time on top of the pool's.
+/// but start and stop needs the pool to be set, which loading the library does; unchecked. The pool
+/// is not guarded: one thread at a time among all users of the policy in the process, also where
+/// each has vectors of its own. Constant time on top of the pool's.
 class HYLBASGENERICS_EXPORT HYLBasVectorTrackingAllocator {
 public:
   HYLBASGENERICS_EXPORT_INLINE HYLBasVectorTrackingAllocator() {}

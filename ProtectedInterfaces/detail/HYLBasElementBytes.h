@@ -49,9 +49,8 @@ void FillElements(T* first, std::size_t count, T const& value) {
 }
 
 /// Moves the elements from `pos` on, which end at `last`, up by `n` slots within their block.
-/// False, and nothing done, for what a vector's core is to do: where there is no room, `pos` is not
-/// in
-/// [`first`, `last`] or `n` is 0.
+/// False, and nothing done, for what a vector's core is to do: where there is no room, where `n` is
+/// 0, and where `pos` is outside [`first`, `last`].
 template <class T>
 bool OpenGap(char* first, char*& last, char* endOfStorage, T* pos, unsigned int n) {
   char* const gap = reinterpret_cast<char*>(pos);

@@ -81,7 +81,8 @@ private:
 template <class T>
 void WriteValues(std::FILE* file, char const* first, char const* last) {
   LineWriter writer(file);
-  for (char const* p = first; last - p >= static_cast<std::ptrdiff_t>(sizeof(T)); p += sizeof(T)) {
+  char const* p = first;
+  for (unsigned int n = ElementsBetween<T>(first, last); n != 0; --n, p += sizeof(T)) {
     T value;
     std::memcpy(&value, p, sizeof(T));
     writer.Write(value);
