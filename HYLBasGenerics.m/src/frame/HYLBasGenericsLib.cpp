@@ -31,9 +31,11 @@ bool Stops(int& count, int& tally) {
 
 enum : unsigned int { e_processDetach = 0, e_processAttach = 1 };
 
-void NotifyOfLoader(unsigned int reason) {
+// Returns what the loader takes for success.
+int NotifyOfLoader(unsigned int reason) {
   if (reason == e_processAttach) HYLBasGenericsLib_initialize(loaderTally);
   if (reason == e_processDetach) HYLBasGenericsLib_finalize(loaderTally);
+  return 1;
 }
 
 } // namespace
@@ -75,15 +77,13 @@ void HYLBasGenericsLib_finalizeC() { HYLBasGenericsLib_finalize(unmangledTally);
 // Marked, since linkers that export everything else by themselves leave this name out.
 extern "C" __declspec(dllexport) int __stdcall DllMain(void* /*module*/, unsigned long reason,
                                                        void* /*reserved*/) {
-  NotifyOfLoader(reason);
-  return 1;
+  return NotifyOfLoader(reason);
 }
 
 #else
 
 int DllMain(void* /*module*/, unsigned int reason, void* /*reserved*/) {
-  NotifyOfLoader(reason);
-  return 1;
+  return NotifyOfLoader(reason);
 }
 
 namespace {
