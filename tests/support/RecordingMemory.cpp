@@ -1,5 +1,6 @@
 #include "RecordingMemory.h"
 
+#include <algorithm>
 #include <cstdio>
 #include <cstdlib>
 #include <cstring>
@@ -13,6 +14,7 @@ namespace {
 
 constexpr std::size_t guard = 16;
 constexpr unsigned char guardByte = 0xA5;
+constexpr std::size_t largestBlock = 1u << 20;
 
 struct Block {
   int number;
@@ -73,9 +75,10 @@ bool FailurePending() { return state().failIn != 0; }
 static void* Allocate(unsigned int size) {
   if (state().failIn != 0 && --state().failIn == 0) throw std::bad_alloc();
   if (size == 4294967295u) Fail("4294967295 bytes, which are never to be had, were requested");
-  auto* const raw = static_cast<char*>(std::malloc(size + 2 * guard));
-  std::memset(raw, guardByte, size + 2 * guard);
-  state().live[raw + guard] = {state().nextNumber++, size};
+  std::size_t const bytes = std::min<std::size_t>(size, largestBlock);
+  auto* const raw = static_cast<char*>(std::malloc(bytes + 2 * guard));
+  std::memset(raw, guardByte, bytes + 2 * guard);
+  state().live[raw + guard] = {state().nextNumber++, bytes};
   state().events.push_back({'A', {-1, 0}, {-1, 0}, size});
   return raw + guard;
 }

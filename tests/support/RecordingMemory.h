@@ -1,6 +1,7 @@
 /// \file
 /// The memory library's general heap, replaced for the whole test program: every request and
 /// release is recorded, blocks stand between guard bytes, and a chosen request can be made to fail.
+/// Of a block of more than 1 MiB only the beginning is there.
 #pragma once
 
 #include <cstddef>
