@@ -1,7 +1,7 @@
 // Loads the library at run time, as a plug-in host does, and shows that loading starts it once and
-// unloading stops it once. Arguments: the memory library's file, the library's file. With the
-// library's file alone, shows what unloading does in a host that has no C++ runtime of its own. So
-// this program calls nothing of the runtime, and is linked without it.
+// unloading stops it once. Arguments: the memory library's file, the library's file; or the latter
+// alone, as in a host that has no C++ runtime of its own. So this program calls nothing of the
+// runtime, and is linked without it.
 #include <cstdio>
 #include <cstdlib>
 
@@ -17,87 +17,55 @@ void Expect(char const* what, int found, int expected) {
   ++failures;
 }
 
-using EntryPoint = void(int&);
-
-void* Required(char const* name, void* found) {
-  if (found != nullptr) return found;
-  std::fprintf(stderr, "there is no %s\n", name);
-  std::exit(2);
+void Call(void* library, char const* name, int& tally) {
+  void* const entryPoint = SymbolOf(library, name);
+  if (entryPoint == nullptr) std::exit(2);
+  reinterpret_cast<void (*)(int&)>(entryPoint)(tally);
 }
 
-void* Load(char const* file) { return Required(file, LoadSharedLibrary(file)); }
+constexpr char const *start = "_Z28HYLBasGenericsLib_initializeRi",
+                     *stop = "_Z26HYLBasGenericsLib_finalizeRi",
+                     *startMemory = "_Z22HYLBasAlloc_initializeRi",
+                     *stopMemory = "_Z20HYLBasAlloc_finalizeRi";
 
-EntryPoint* Find(void* library, char const* name) {
-  return reinterpret_cast<EntryPoint*>(Required(name, SymbolOf(library, name)));
-}
-
-// What a start adds to a tally, and the stop after it takes away: 1 for a layer that nobody holds.
-int StartAndStop(EntryPoint* initialize, EntryPoint* finalize) {
+// A start adds 1 to its tally for each layer that nobody holds, and the stop takes it away.
+void ExpectToStart(void* library, char const* first, char const* last, int layers) {
   int tally = 0;
-  initialize(tally);
-  int const started = tally;
-  finalize(tally);
-  Expect("tally of a start and a stop", tally, 0);
-  return started;
-}
-
-void ExpectLoadStartsOnceAndUnloadStopsOnce(char const* libraryFile, EntryPoint* allocInitialize,
-                                            EntryPoint* allocFinalize) {
-  Expect("memory library before load", StartAndStop(allocInitialize, allocFinalize), 1);
-
-  void* const library = Load(libraryFile);
-  auto* const initialize = Find(library, "_Z28HYLBasGenericsLib_initializeRi");
-  auto* const finalize = Find(library, "_Z26HYLBasGenericsLib_finalizeRi");
-  Expect("memory library while loaded", StartAndStop(allocInitialize, allocFinalize), 0);
-  Expect("loaded library", StartAndStop(initialize, finalize), 0);
-
-  int tally = 0;
-  finalize(tally);
-  Expect("undoing the one start by load", tally, -4);
-  Expect("memory library after that", StartAndStop(allocInitialize, allocFinalize), 1);
-  initialize(tally);
-  Expect("and doing it again", tally, 0);
-
-  Expect("unload", UnloadSharedLibrary(library), true);
-  Expect("left in memory", LoadedLibrary(libraryFile) != nullptr, false);
-  Expect("memory library after unload", StartAndStop(allocInitialize, allocFinalize), 1);
-}
-
-// The runtime that the library brings along calls the library's operator new, and so keeps it.
-void ExpectLoadToStayWhereItBringsTheRuntime(char const* libraryFile) {
-#if defined(_WIN32)
-  bool const stays = false; // there the runtime calls its own
-#else
-  char const* const operatorNew = sizeof(void*) == 8 ? "_Znwm" : "_Znwj";
-  bool const stays = HYLBAS_EXPORT_GLOBAL_NEW && dlsym(RTLD_DEFAULT, operatorNew) == nullptr;
-#endif
-  for (int round = 0; round != 2; ++round) {
-    void* const library = Load(libraryFile);
-    auto* const initialize = Find(library, "_Z28HYLBasGenericsLib_initializeRi");
-    auto* const finalize = Find(library, "_Z26HYLBasGenericsLib_finalizeRi");
-    Expect("loaded library", StartAndStop(initialize, finalize), 0);
-    Expect("unload", UnloadSharedLibrary(library), true);
-    void* const left = LoadedLibrary(libraryFile);
-    Expect("left in memory", left != nullptr, stays);
-    if (left == nullptr) continue;
-    Expect("library that stays", StartAndStop(initialize, finalize), 0);
-    UnloadSharedLibrary(left);
-  }
+  if (library == nullptr) return;
+  Call(library, first, tally);
+  Expect(first, tally, layers);
+  Call(library, last, tally);
+  Expect(last, tally, 0);
 }
 
 } // namespace
 
 int main(int argc, char** argv) {
-  if (argc == 2) {
-    ExpectLoadToStayWhereItBringsTheRuntime(argv[1]);
-    return failures == 0 ? 0 : 1;
-  }
-  if (argc != 3) return 2;
+  if (argc < 2) return 2;
+  char const* const file = argv[argc - 1];
   // Held all the time, so that its count outlives the library.
-  void* const alloc = Load(argv[1]);
-  auto* const initialize = Find(alloc, "_Z22HYLBasAlloc_initializeRi");
-  auto* const finalize = Find(alloc, "_Z20HYLBasAlloc_finalizeRi");
-  for (int round = 0; round != 3; ++round)
-    ExpectLoadStartsOnceAndUnloadStopsOnce(argv[2], initialize, finalize);
+  void* const memory = argc == 2 ? nullptr : LoadSharedLibrary(argv[1]);
+  bool stays = false;
+#if !defined(_WIN32)
+  // The runtime that the library brings along calls the library's operator new, and so keeps it.
+  char const* const operatorNew = sizeof(void*) == 8 ? "_Znwm" : "_Znwj";
+  stays = memory == nullptr && HYLBAS_EXPORT_GLOBAL_NEW && !SymbolOf(RTLD_DEFAULT, operatorNew);
+#endif
+  for (int round = 0; round != 3; ++round) {
+    void* const library = LoadSharedLibrary(file);
+    ExpectToStart(memory, startMemory, stopMemory, 0);
+    ExpectToStart(library, start, stop, 0);
+    int tally = 0;
+    Call(library, stop, tally);
+    Expect("tally of the stop after loading", tally, -4);
+    ExpectToStart(memory, startMemory, stopMemory, 1);
+    Call(library, start, tally);
+    Expect("unloading", UnloadSharedLibrary(library), true);
+    void* const left = LoadedLibrary(file);
+    Expect("left in memory", left != nullptr, stays);
+    ExpectToStart(left, start, stop, 0);
+    if (left != nullptr) UnloadSharedLibrary(left);
+    ExpectToStart(memory, startMemory, stopMemory, 1);
+  }
   return failures == 0 ? 0 : 1;
 }
