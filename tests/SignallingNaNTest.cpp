@@ -2,7 +2,6 @@
 // NaNs show it: registers of the x87 unit change them.
 #include <cstdint>
 #include <cstring>
-#include <type_traits>
 
 #include <gtest/gtest.h>
 
@@ -16,86 +15,73 @@
 namespace {
 
 template <class T>
-using Bits = std::conditional_t<sizeof(T) == 4, std::uint32_t, std::uint64_t>;
-template <class T>
-Bits<T> const pattern = static_cast<Bits<T>>(sizeof(T) == 4 ? 0x7fa12345 : 0x7ff4000012345678);
+class SignallingNaN : public testing::Test {
+protected:
+  SignallingNaN() {
+    std::uint32_t const narrow = 0x7fa12345;
+    std::uint64_t const wide = 0x7ff4000012345678;
+    std::memcpy(&m_nan, sizeof m_nan == 4 ? static_cast<void const*>(&narrow) : &wide,
+                sizeof m_nan);
+  }
+  void Expect(T const* first, T const* last) {
+    EXPECT_NE(first, last);
+    for (; first != last; ++first)
+      EXPECT_EQ(std::memcmp(first, &m_nan, sizeof m_nan), 0);
+  }
 
-template <class T>
-void MakeNaN(T& x) {
-  std::memcpy(&x, &pattern<T>, sizeof x);
-}
+  // The values that constructors and `Resize` take are the program's own to pass.
+  template <class Array>
+  void CheckArray() {
+    Array a(6, 5, T(1)), nans(6, 5, T(1)), chosen(0, 0, T());
+    T *const first = a.GetPointerToMemory(), places[6] = {};
+    HYLBasVector<T> line;
+    nans.SetValue(m_nan);
+    for (int i = 0; i != 6; ++i) {
+      nans.GetRowCopy(i, line);
+      a.SetRow(i, line);
+      nans.GetRowCopy(i, 6, places);
+      Expect(places, places + 5);
+    }
+    Expect(first, first + 30);
+    a.SetValue(T(1));
+    for (int j = 0; j != 5; ++j) {
+      nans.GetColumnCopy(j, line);
+      a.SetColumn(j, line.begin(), 6);
+    }
+    a.GetRowCopy(1, 5, first + 3); // over itself, element by element
+    Array const copy(a);
+    int const ids[] = {3, 1};
+    copy.ExtractRows(ids, 2, chosen);
+    Expect(chosen.GetPointerToMemory(), chosen.GetPointerToMemory() + 10);
+    copy.ExtractColumns(ids, 2, chosen);
+    Expect(chosen.GetPointerToMemory(), chosen.GetPointerToMemory() + 12);
+    Expect(first, first + 30);
+  }
 
-template <class T>
-void ExpectNaNs(T const* first, T const* last) {
-  EXPECT_NE(first, last);
-  for (; first != last; ++first)
-    EXPECT_EQ(std::memcmp(first, &pattern<T>, sizeof(T)), 0);
-}
-
-template <class T>
-class SignallingNaN : public testing::Test {};
+  T m_nan;
+};
 using Numbers = testing::Types<float, double>;
 TYPED_TEST_SUITE(SignallingNaN, Numbers, );
 
-TYPED_TEST(SignallingNaN, StaysOneInVectors) {
-  TypeParam nan;
-  MakeNaN(nan);
-  HYLBasVector<TypeParam> v;
+TYPED_TEST(SignallingNaN, StaysOneInVectorsAndArrays) {
+  auto const& nan = this->m_nan;
+  HYLBasVector<TypeParam> v, assigned;
   for (int i = 0; i != 20; ++i)
     v.push_back(nan);
   v.resize(v.capacity(), nan);
   v.resize(v.capacity() + 1, nan);
   v.insert(v.begin(), nan);
   v.erase(v.begin());
+  assigned.assign(5, nan);
   HYLBasVector<TypeParam> const copy(v), filled(3, nan);
-  ExpectNaNs(copy.begin(), copy.end());
-  ExpectNaNs(filled.begin(), filled.end());
-  v.assign(5, nan);
-  ExpectNaNs(v.begin(), v.end());
+  for (auto const* each : {&copy, &filled, &std::as_const(assigned)})
+    this->Expect(each->begin(), each->end());
+  this->template CheckArray<HYLBasArray2D<TypeParam, 0>>();
+  this->template CheckArray<HYLBasArray2D<TypeParam, 1>>();
 }
 
-// The values that constructors and `Resize` take are the program's own to pass.
-template <class Array, class T>
-void CheckArray(T const& nan) {
-  Array a(6, 5, T(1)), chosen(0, 0, T());
-  T* const first = a.GetPointerToMemory();
-  a.SetValue(nan);
-  ExpectNaNs(first, first + 30);
-  Array const nans(a);
-  HYLBasVector<T> line;
-  T places[6];
-  a.SetValue(T(1));
-  for (int i = 0; i != 6; ++i) {
-    nans.GetRowCopy(i, line);
-    a.SetRow(i, line);
-    nans.GetRowCopy(i, 6, places);
-    ExpectNaNs(places, places + 5);
-  }
-  ExpectNaNs(first, first + 30);
-  a.SetValue(T(1));
-  for (int j = 0; j != 5; ++j) {
-    nans.GetColumnCopy(j, line);
-    a.SetColumn(j, line.begin(), 6);
-  }
-  a.GetRowCopy(1, 5, first + 3); // over itself, element by element
-  ExpectNaNs(first, first + 30);
-  int const ids[] = {3, 1};
-  a.ExtractRows(ids, 2, chosen);
-  ExpectNaNs(chosen.GetPointerToMemory(), chosen.GetPointerToMemory() + 10);
-  a.ExtractColumns(ids, 2, chosen);
-  ExpectNaNs(chosen.GetPointerToMemory(), chosen.GetPointerToMemory() + 12);
-}
-
-TYPED_TEST(SignallingNaN, StaysOneInArrays) {
-  TypeParam nan;
-  MakeNaN(nan);
-  CheckArray<HYLBasArray2D<TypeParam, 0>>(nan);
-  CheckArray<HYLBasArray2D<TypeParam, 1>>(nan);
-}
-
-TYPED_TEST(SignallingNaN, StaysOneInMaps) {
-  TypeParam nan;
-  MakeNaN(nan);
+TYPED_TEST(SignallingNaN, StaysOneInMapsPairsAndLists) {
+  auto& nan = this->m_nan;
   HYLBasMap<int, TypeParam> map;
   map.Insert(1, nan);
   map.InsertOver(2, nan);
@@ -104,28 +90,19 @@ TYPED_TEST(SignallingNaN, StaysOneInMaps) {
   map.insert({4, nan});
   map.insert(map.end(), {5, nan});
   map.insert(map.begin(), map.end());
-  for (auto const& element : HYLBasMap<int, TypeParam>(map.begin(), map.end()))
-    ExpectNaNs(&element.second, &element.second + 1);
   EXPECT_EQ(map.size(), 5u);
-}
-
-TYPED_TEST(SignallingNaN, StaysOneInPairsAndLists) {
-  TypeParam nan, other = 1;
-  MakeNaN(nan);
-  HYLBasPair<int const, TypeParam> const pair(1, nan), copy(pair);
-  ExpectNaNs(&pair.second, &pair.second + 1);
-  ExpectNaNs(&copy.second, &copy.second + 1);
+  for (auto const& element : HYLBasMap<int, TypeParam>(map.begin(), map.end()))
+    this->Expect(&element.second, &element.second + 1);
   HYLBasPair<TypeParam, TypeParam> const both(nan, nan);
-  ExpectNaNs(&both.first, &both.first + 1);
-  ExpectNaNs(&both.second, &both.second + 1);
   HYLBasMicroList<TypeParam> list(1);
-  MakeNaN(list[0]);
-  HYLBasMicroList<TypeParam> listCopy(list);
-  ExpectNaNs(&listCopy[0], &listCopy[0] + 1);
+  TypeParam other = 1;
+  std::memcpy(&list[0], &nan, sizeof nan);
+  HYLBasMicroList<TypeParam> copy(list);
   HYLBasSwap(nan, other);
-  ExpectNaNs(&other, &other + 1);
   HYLBasSwap(nan, other);
-  ExpectNaNs(&nan, &nan + 1);
+  TypeParam const* const results[] = {&both.first, &both.second, &copy[0], &nan};
+  for (auto const* each : results)
+    this->Expect(each, each + 1);
 }
 
 } // namespace
