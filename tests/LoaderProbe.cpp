@@ -4,10 +4,32 @@
 // runtime, and is linked without it.
 #include <cstdio>
 #include <cstdlib>
+#include <cstring>
 
-#include "support/SharedLibraries.h"
+#if defined(_WIN32)
+#include <windows.h>
+#else
+#include <dlfcn.h>
+#endif
 
 namespace {
+
+// Shared libraries, null for what is not there.
+#if defined(_WIN32)
+void* Load(char const* file) { return LoadLibraryA(file); }
+void* Loaded(char const* file) { return GetModuleHandleA(std::strrchr(file, '/') + 1); }
+bool Unload(void* library) { return FreeLibrary(HMODULE(library)) != 0; }
+void* SymbolOf(void* library, char const* name) {
+  return reinterpret_cast<void*>(GetProcAddress(HMODULE(library), name));
+}
+bool BringsTheRuntime() { return false; } // there the runtime calls its own operator new
+#else
+void* Load(char const* file) { return dlopen(file, RTLD_NOW | RTLD_LOCAL); }
+void* Loaded(char const* file) { return dlopen(file, RTLD_NOW | RTLD_NOLOAD); }
+bool Unload(void* library) { return dlclose(library) == 0; }
+void* SymbolOf(void* library, char const* name) { return dlsym(library, name); }
+bool BringsTheRuntime() { return !dlsym(RTLD_DEFAULT, sizeof(void*) == 8 ? "_Znwm" : "_Znwj"); }
+#endif
 
 int failures = 0;
 
@@ -41,18 +63,14 @@ void ExpectToStart(void* library, char const* first, char const* last, int layer
 } // namespace
 
 int main(int argc, char** argv) {
-  if (argc < 2) return 2;
   char const* const file = argv[argc - 1];
   // Held all the time, so that its count outlives the library.
-  void* const memory = argc == 2 ? nullptr : LoadSharedLibrary(argv[1]);
-  bool stays = false;
-#if !defined(_WIN32)
+  void* const memory = argc == 2 ? nullptr : Load(argv[1]);
+  if (argc != 2 && memory == nullptr) return 2;
   // The runtime that the library brings along calls the library's operator new, and so keeps it.
-  char const* const operatorNew = sizeof(void*) == 8 ? "_Znwm" : "_Znwj";
-  stays = memory == nullptr && HYLBAS_EXPORT_GLOBAL_NEW && !SymbolOf(RTLD_DEFAULT, operatorNew);
-#endif
+  bool const stays = memory == nullptr && HYLBAS_EXPORT_GLOBAL_NEW && BringsTheRuntime();
   for (int round = 0; round != 3; ++round) {
-    void* const library = LoadSharedLibrary(file);
+    void* const library = Load(file);
     ExpectToStart(memory, startMemory, stopMemory, 0);
     ExpectToStart(library, start, stop, 0);
     int tally = 0;
@@ -60,11 +78,12 @@ int main(int argc, char** argv) {
     Expect("tally of the stop after loading", tally, -4);
     ExpectToStart(memory, startMemory, stopMemory, 1);
     Call(library, start, tally);
-    Expect("unloading", UnloadSharedLibrary(library), true);
-    void* const left = LoadedLibrary(file);
+    Expect("tally of the start after that", tally, 0);
+    Expect("unloading", Unload(library), true);
+    void* const left = Loaded(file);
     Expect("left in memory", left != nullptr, stays);
     ExpectToStart(left, start, stop, 0);
-    if (left != nullptr) UnloadSharedLibrary(left);
+    if (stays) Unload(left);
     ExpectToStart(memory, startMemory, stopMemory, 1);
   }
   return failures == 0 ? 0 : 1;

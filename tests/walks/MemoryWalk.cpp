@@ -1,5 +1,5 @@
 // The memory library of this repository: its heap, pools and region pools beside lists of what was
-// handed out. HostWalk shows which of its functions the allocator policies call.
+// handed out. HostTest shows which of its functions the allocator policies call.
 #include <cstdint>
 #include <cstring>
 #include <map>

@@ -1,10 +1,13 @@
-// The library in a host whose services are this program's: starts and stops beside a model of the
-// counts, every call that the allocator policies and operators make, and the exported forms of
-// operator new. The first calls come before any constructor of the program.
+// The library in a host whose services are this program's: every call that starts and stops,
+// allocator policies and operators make, and the exported forms of operator new. The first calls
+// come before any constructor of the program.
 #include <cstdio>
 #include <cstdlib>
 #include <cstring>
 #include <new>
+#include <string>
+
+#include <gtest/gtest.h>
 
 #include "HYLBasAllocationOperators.h"
 #include "HYLBasGenericsAllocator.h"
@@ -17,8 +20,11 @@
 #include "HYLBasVectorTrackingAllocator.h"
 #include "TARNHYLBasAlloc.h"
 #include "support/SanitizerOptions.h"
-#include "support/SharedLibraries.h"
-#include "walks/Choices.h"
+
+#if defined(_WIN32)
+#define NOMINMAX
+#include <windows.h>
+#endif
 
 namespace {
 
@@ -94,95 +100,72 @@ namespace {
 
 std::string const recordedBeforeMain = Recorded();
 
-// --- Starts and stops
-
-enum Layer { library, generics, specific, nothing };
-
-#if !defined(_WIN32) // where it is the loader's alone
 template <unsigned int reason>
 void Notify(int& /*tally*/) {
+#if !defined(_WIN32) // where it is the loader's alone
   EXPECT_EQ(DllMain(nullptr, reason, nullptr), 1);
+#endif
 }
-#endif
+void InitializeC(int& /*tally*/) { HYLBasGenericsLib_initializeC(); }
+void FinalizeC(int& /*tally*/) { HYLBasGenericsLib_finalizeC(); }
 
-struct EntryPoints {
-  void (*start)(int&), (*stop)(int&);
-  Layer layer;
-  int tally; // 0 is the caller's, the others are the library's own
-} constexpr entryPoints[] = {
-    {HYLBasGenericsLib_initialize, HYLBasGenericsLib_finalize, library, 0},
-    {HYLBasGenerics_initialize, HYLBasGenerics_finalize, generics, 0},
-    {HYLBasGenericsLib_specific_initialize, HYLBasGenericsLib_specific_finalize, specific, 0},
-    {[](int&) { HYLBasGenericsLib_initializeC(); }, [](int&) { HYLBasGenericsLib_finalizeC(); },
-     library, 1},
+struct {
+  void (*call)(int& tally);
+  int tally; // after the call
+  char const* calls = "";
+} const steps[] = {
+    {HYLBasGenericsLib_initialize, 0}, // while the loader holds everything
+    {HYLBasGenericsLib_finalize, 0},
+    {HYLBasGenerics_initialize, 0},
+    {HYLBasGenerics_finalize, 0},
+    {HYLBasGenericsLib_specific_initialize, 0},
+    {HYLBasGenericsLib_specific_finalize, 0},
+    {InitializeC, 0},
+    {FinalizeC, 0},
+    {HYLBasGenericsLib_finalize, -103, "finalize(-3) "},
+    {HYLBasGenericsLib_specific_initialize, -102}, // layers by themselves
+    {HYLBasGenericsLib_specific_initialize, -102},
+    {HYLBasGenerics_initialize, -101, "Vector(0) "},
+    {HYLBasGenerics_initialize, -101},
+    {HYLBasGenericsLib_initialize, 0, "initialize(-100) "}, // the other layers only
+    {HYLBasGenericsLib_initialize, 0},
+    {HYLBasGenericsLib_finalize, 0},
+    {HYLBasGenericsLib_finalize, -101, "finalize(-1) "},
+    {HYLBasGenerics_finalize, -101},
+    {HYLBasGenerics_finalize, -102},
+    {HYLBasGenericsLib_specific_finalize, -102},
+    {HYLBasGenericsLib_specific_finalize, -103},
+    {InitializeC, -103, "initialize(1) Vector(0) "}, // with tallies of the library's own
+    {FinalizeC, -103, "finalize(100) "},
 #if !defined(_WIN32)
-    {Notify<1>, Notify<0>, library, 2},
-    {Notify<2>, Notify<3>, nothing, 2}, // threads that come and go
+    {Notify<2>, -103}, // threads that come and go
+    {Notify<3>, -103},
+    {Notify<1>, -103, "initialize(104) Vector(0) "},
+    {Notify<2>, -103},
+    {Notify<3>, -103},
+    {Notify<0>, -103, "finalize(203) "},
 #endif
+    {HYLBasGenericsLib_initialize, 0, "initialize(-102) Vector(0) "},
 };
 
-// Since the library was loaded.
-struct {
-  int counts[4] = {1, 1, 1, 1}; // of the layers
-  int tallies[3] = {0, 0, 103};
-  int held[std::size(entryPoints)] = {1}; // starts that these may stop: at first, the loader's
-  std::string calls = {};
-
-  void Start(Layer layer, int& tally) {
-    if (counts[layer]++ != 0) return;
-    ++tally;
-    if (layer == generics) calls += "Vector(0) ";
-    if (layer != library) return;
-    calls += "initialize(" + std::to_string(tally) + ") ";
-    tally += 100;
-    Start(generics, tally), Start(specific, tally);
-  }
-  void Stop(Layer layer, int& tally) {
-    if (--counts[layer] != 0) return;
-    --tally;
-    if (layer != library) return;
-    Stop(specific, tally), Stop(generics, tally);
-    calls += "finalize(" + std::to_string(tally) + ") ";
-    tally -= 100;
-  }
-} model;
-
-void Step(std::size_t k, bool starts) {
-  static int tally = 0;
-  auto const [start, stop, layer, modelled] = entryPoints[k];
-  auto* const pool = &ThePool<HYLBasMemPoolVector>();
-  auto* const before = reinterpret_cast<HYLBasMemPoolVector*>(block);
-  auto& isActive = reinterpret_cast<bool&>(*pool); // the flag is the first byte
-  isActive = false;
-  HYLBasVectorTrackingAllocator::m_pool = before;
-  (starts ? start : stop)(tally);
-  starts ? model.Start(layer, model.tallies[modelled]) : model.Stop(layer, model.tallies[modelled]);
-  model.held[k] += starts ? 1 : -1;
-  bool const prepares = model.calls.find("Vector") != std::string::npos;
-  EXPECT_EQ(Recorded(), std::exchange(model.calls, ""));
-  EXPECT_EQ(tally, model.tallies[0]);
-  EXPECT_EQ(isActive, prepares);
-  EXPECT_EQ(HYLBasVectorTrackingAllocator::m_pool, prepares ? pool : before);
-}
-
-} // namespace
-
-WALK(40, 200) {
+TEST(Lifecycle, StartsAndStopsTheLayersInOrder) {
   EXPECT_EQ(recordedBeforeMain, "initialize(1) Vector(0) ");
-  while (choices.More()) {
-    unsigned int const k = choices.Below(std::size(entryPoints));
-    Step(k, choices.OneIn(2) || model.held[k] == 0);
+  auto& pool = ThePool<HYLBasMemPoolVector>();
+  auto& isActive = reinterpret_cast<bool&>(pool); // the flag is the first byte
+  auto* const before = reinterpret_cast<HYLBasMemPoolVector*>(block);
+  int tally = 0;
+  for (auto const& step : steps) {
+    SCOPED_TRACE(&step - steps);
+    bool const fetches = std::strstr(step.calls, "Vector") != nullptr;
+    HYLBasVectorTrackingAllocator::m_pool = before;
+    isActive = false;
+    step.call(tally);
+    EXPECT_EQ(Recorded(), step.calls);
+    EXPECT_EQ(tally, step.tally);
+    EXPECT_EQ(HYLBasVectorTrackingAllocator::m_pool, fetches ? &pool : before);
+    EXPECT_EQ(isActive, fetches);
   }
-  for (std::size_t k = 0; k != std::size(entryPoints); ++k)
-    while (model.held[k] != (k == 0 ? 1 : 0))
-      Step(k, model.held[k] == 0);
-  HYLBasVectorTrackingAllocator::Initialize();
-  Recorded();
 }
-
-namespace {
-
-// --- Policies and operators
 
 TEST(Policies, CallTheMemoryLibrary) {
   HYLBasVectorAllocator::deallocate(HYLBasVectorAllocator::allocate(1), 99);
@@ -206,25 +189,24 @@ TEST(Policies, CallTheMemoryLibrary) {
   EXPECT_TRUE(vectors.PoolID() == -13 && vectors.PoolName() == poolName);
 }
 
-void ReportsAndThrows(void (*function)(), std::string const& text) {
+void ExpectFailure(void (*function)(), std::string const& text) {
   testing::internal::CaptureStderr();
-  std::string thrown;
   try {
     function();
-  } catch (char const* message) {
-    thrown = message;
+    ADD_FAILURE() << "nothing is thrown";
+  } catch (char const* thrown) {
+    EXPECT_EQ(thrown, text);
   }
-  EXPECT_EQ(thrown, text);
   EXPECT_EQ(testing::internal::GetCapturedStderr(), "*** Error: " + text + ".\n");
 }
 
 TEST(Policies, ReportAMissingPool) {
   HYLBasVectorTrackingAllocator::Verify();
   poolIsThere = false;
-  ReportsAndThrows(HYLBasVectorTrackingAllocator::Initialize,
-                   "Initialization of HYLBasVectorTrackingAllocator failed");
-  ReportsAndThrows(HYLBasVectorTrackingAllocator::Verify,
-                   "HYLBasVectorTrackingAllocator is used before it is initialized");
+  ExpectFailure(HYLBasVectorTrackingAllocator::Initialize,
+                "Initialization of HYLBasVectorTrackingAllocator failed");
+  ExpectFailure(HYLBasVectorTrackingAllocator::Verify,
+                "HYLBasVectorTrackingAllocator is used before it is initialized");
   poolIsThere = true;
   HYLBasVectorTrackingAllocator::Initialize();
   EXPECT_EQ(Recorded(), "Vector(0) Vector(0) ");
@@ -251,48 +233,30 @@ TEST(Operators, CallTheMemoryLibraryWithSizesThatFit32Bits) {
   EXPECT_TRUE(operator new(SIZE_MAX, &number, e_placement) == &number&& number == 7);
 }
 
-// A form of operator new by the address that the library exports: the compiler may not assume
-// anything about it then, and a sanitizer's own replacement does not stand in for it. The name's
-// fifth letter is that of the size type.
-template <class... More>
-void* Exported(std::string name, std::size_t size, More... more) {
-  name[4] = sizeof(std::size_t) == 4 ? 'j' : sizeof(long) == 4 ? 'y' : 'm';
-  void* const symbol = SymbolOf(LoadedLibrary(HYLBAS_LIBRARY_FILE), name.c_str());
-  return reinterpret_cast<void* (*)(std::size_t, More...)>(symbol)(size, more...);
-}
-// The same for the process's own.
-[[maybe_unused]] auto Unknown(void* (*form)(std::size_t)) {
-  auto* volatile const unknown = form;
-  return unknown;
-}
-using File = char const*;
-static_assert(noexcept(::operator new(1, 1, File(), 7)) && noexcept(::operator new[](1, 1, File(),
-                                                                                     7)));
+static_assert(noexcept(::operator new(1, 1, "a.cpp", 7)));
+static_assert(noexcept(::operator new[](1, 1, "a.cpp", 7)));
 
-struct Form {
+// Called through pointers of which compilers know nothing: they take for granted that some throw.
+struct {
   char const* name;
-  void* (*allocate)(std::size_t size);
-  bool throws;
+  void* (*volatile allocate)(std::size_t size);
 } const forms[] = {
-    {"debug", [](std::size_t n) { return Exported("_Znw?iPKci", n, 1, File("a.cpp"), 7); }, false},
-    {"debug[]", [](std::size_t n) { return Exported("_Zna?iPKci", n, 1, File("a.cpp"), 7); },
-     false},
-#if HYLBAS_EXPORT_GLOBAL_NEW
-    {"plain", [](std::size_t n) { return Exported("_Znw?", n); }, true},
-    {"plain[]", [](std::size_t n) { return Exported("_Zna?", n); }, true},
-#if !HYLBAS_ADDRESS_SANITIZER // which has its own
-    {"process", [](std::size_t n) { return Unknown(::operator new)(n); }, true},
-    {"process[]", [](std::size_t n) { return Unknown(::operator new[])(n); }, true},
+    {"debug", [](std::size_t size) { return ::operator new(size, 1, "a.cpp", 7); }},
+    {"debug[]", [](std::size_t size) { return ::operator new[](size, 1, "a.cpp", 7); }},
+#if HYLBAS_EXPORT_GLOBAL_NEW && !HYLBAS_ADDRESS_SANITIZER // which has its own
+    {"plain", ::operator new },
+     {
+         "plain[]",
+         ::operator new[] },
 #endif
-#endif
-};
+    };
 
 TEST(GlobalNew, AllocatesFromTheRuntimeHeapOrCallsTheHandler) {
   std::size_t volatile const tooMuch = SIZE_MAX - 64; // unseen: compilers refuse such requests
   static int handlerCalls;
-  for (Form const& form : forms) {
-    SCOPED_TRACE(form.name);
-    void *const some = form.allocate(100), *const empty = form.allocate(0);
+  for (auto const& [name, allocate] : forms) {
+    SCOPED_TRACE(name);
+    void *const some = allocate(100), *const empty = allocate(0);
     std::memset(some, 1, 100);
     std::free(some);
     void* const likeMalloc = std::malloc(0);
@@ -300,31 +264,31 @@ TEST(GlobalNew, AllocatesFromTheRuntimeHeapOrCallsTheHandler) {
     std::free(empty);
     std::free(likeMalloc);
 
-    EXPECT_EQ(form.allocate(tooMuch), nullptr);
+    EXPECT_EQ(allocate(tooMuch), nullptr);
     handlerCalls = 0;
     std::set_new_handler([] {
       if (++handlerCalls == 3) std::set_new_handler(nullptr);
     });
-    EXPECT_EQ(form.allocate(tooMuch), nullptr);
+    EXPECT_EQ(allocate(tooMuch), nullptr);
     EXPECT_EQ(handlerCalls, 3);
 #if defined(_WIN32)
     // The C runtime's own: memory is tried again while it answers other than 0.
     handlerCalls = 0;
     using Handler = int (*)(std::size_t);
     auto* const setHandler = reinterpret_cast<Handler (*)(Handler)>(
-        SymbolOf(LoadedLibrary("msvcrt.dll"), "?_set_new_handler@@YAP6AH_K@ZP6AH0@Z@Z"));
+        GetProcAddress(GetModuleHandleA("msvcrt.dll"), "?_set_new_handler@@YAP6AH_K@ZP6AH0@Z@Z"));
     ASSERT_NE(setHandler, nullptr);
     setHandler([](std::size_t) { return ++handlerCalls == 3 ? 0 : 1; });
-    EXPECT_EQ(form.allocate(tooMuch), nullptr);
+    EXPECT_EQ(allocate(tooMuch), nullptr);
     EXPECT_EQ(handlerCalls, 3);
     setHandler(nullptr);
 #endif
     std::set_new_handler([] { throw std::bad_alloc(); });
     EXPECT_EQ(::operator new(tooMuch, std::nothrow), nullptr);
-    if (form.throws) {
-      EXPECT_THROW(form.allocate(tooMuch), std::bad_alloc);
+    if (name[0] == 'p') {
+      EXPECT_THROW(allocate(tooMuch), std::bad_alloc);
     } else {
-      EXPECT_EQ(form.allocate(tooMuch), nullptr);
+      EXPECT_EQ(allocate(tooMuch), nullptr);
     }
     std::set_new_handler(nullptr);
   }
