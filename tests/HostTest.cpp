@@ -230,7 +230,8 @@ TEST(Operators, CallTheMemoryLibraryWithSizesThatFit32Bits) {
   }
   int number = 7;
   operator delete(block, &number, e_placement);
-  EXPECT_TRUE(operator new(SIZE_MAX, &number, e_placement) == &number&& number == 7);
+  EXPECT_EQ(operator new(SIZE_MAX, &number, e_placement), &number);
+  EXPECT_EQ(number, 7);
 }
 
 static_assert(noexcept(::operator new(1, 1, "a.cpp", 7)));
@@ -244,12 +245,10 @@ struct {
     {"debug", [](std::size_t size) { return ::operator new(size, 1, "a.cpp", 7); }},
     {"debug[]", [](std::size_t size) { return ::operator new[](size, 1, "a.cpp", 7); }},
 #if HYLBAS_EXPORT_GLOBAL_NEW && !HYLBAS_ADDRESS_SANITIZER // which has its own
-    {"plain", ::operator new },
-     {
-         "plain[]",
-         ::operator new[] },
+    {"plain", [](std::size_t size) { return ::operator new(size); }},
+    {"plain[]", [](std::size_t size) { return ::operator new[](size); }},
 #endif
-    };
+};
 
 TEST(GlobalNew, AllocatesFromTheRuntimeHeapOrCallsTheHandler) {
   std::size_t volatile const tooMuch = SIZE_MAX - 64; // unseen: compilers refuse such requests
