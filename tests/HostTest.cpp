@@ -22,7 +22,6 @@
 #include "support/SanitizerOptions.h"
 
 #if defined(_WIN32)
-#define NOMINMAX
 #include <windows.h>
 #endif
 
