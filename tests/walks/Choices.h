@@ -10,6 +10,7 @@
 #include <iterator>
 #include <new>
 #include <string>
+#include <type_traits>
 #include <utility>
 #include <vector>
 
@@ -64,6 +65,17 @@ bool Completes(unsigned int failingRequest, Operation operation) {
   }
   recording::FailRequest(0);
   return true;
+}
+
+/// What an operation that a model has too returns; true where it returns nothing.
+template <class Operation, class... Operands>
+auto ResultOf(Operation operation, Operands&... operands) {
+  if constexpr (std::is_void_v<decltype(operation(operands...))>) {
+    operation(operands...);
+    return true;
+  } else {
+    return operation(operands...);
+  }
 }
 
 /// The one walk of a program, which `hylbas_add_walk` makes a test of so many runs of so many

@@ -1,141 +1,134 @@
-// The typed maps beside type-erased trees that are told the plain steps and call a comparator for
-// each: the same elements in nodes linked in the same way, and the same requests for memory.
+// The typed maps beside the standard library's, which take memory in the same way: the same
+// elements, results and requests, also where requests fail.
+#include <array>
 #include <climits>
 #include <iterator>
 #include <limits>
+#include <map>
+#include <memory_resource>
 #include <type_traits>
 
 #include "HYLBasMap.h"
+#include "TARNHYLBasAlloc.h"
 #include "walks/Choices.h"
 
 namespace {
 
-using Node = HYLBasTreeNodeGeneric;
-using Tree = HYLBasTreeGeneric<HYLBasNodeAllocator>;
+struct HostMemory : std::pmr::memory_resource {
+  void* do_allocate(std::size_t size, std::size_t) override {
+    return mem_Malloc_Handled(static_cast<unsigned int>(size));
+  }
+  void do_deallocate(void* block, std::size_t, std::size_t) override { mem_Free(block); }
+  bool do_is_equal(memory_resource const&) const noexcept override { return true; }
+};
 
-bool CalledOrder(void const* a, void const* b, void const*) {
-  return *static_cast<int const*>(a) < *static_cast<int const*>(b);
+template <class V>
+struct PlainMap : std::pmr::map<int, V> {
+  using PlainMap::map::erase;
+  using PlainMap::map::map;
+  std::pmr::vector<char> header{'h'};
+
+  PlainMap(PlainMap const&) = default;
+  PlainMap& operator=(PlainMap const& other) {
+    if (&other != this) PlainMap(other).swap(*this);
+    return *this;
+  }
+  auto Insert(int key, V value) { return this->insert({key, value}).first; }
+  auto InsertOver(int key, V value) { return this->insert_or_assign(key, value).first; }
+  void erase(int const* first, int const* last) {
+    for (; first != last; ++first)
+      erase(*first);
+  }
+};
+
+template <class M>
+std::ptrdiff_t Index(M const& map, typename M::const_iterator position) {
+  return std::distance(map.begin(), position);
 }
-
-// Kinds and sizes of the calls since the last time. Releases have no order.
-std::vector<std::pair<char, std::size_t>> Calls() {
-  std::vector<std::pair<char, std::size_t>> calls;
-  for (auto const& event : recording::Events())
-    calls.emplace_back(event.kind, event.n);
-  recording::Events().clear();
-  std::sort(calls.begin(), calls.end());
-  return calls;
+template <class M>
+std::array<std::ptrdiff_t, 6> LookUp(M& map, int key) {
+  auto const [low, high] = map.equal_range(key);
+  return {Index(map, map.find(key)),
+          Index(map, map.lower_bound(key)),
+          Index(map, map.upper_bound(key)),
+          Index(map, low),
+          Index(map, high),
+          map.count(key) != 0};
+}
+// The kinds of the calls since the last time.
+std::string Calls() {
+  std::string kinds;
+  for (auto const& event : std::exchange(recording::Events(), {}))
+    kinds += event.kind;
+  return kinds;
 }
 
 template <class V>
 class MapWalk {
   using Map = HYLBasMap<int, V>;
-  using Pair = typename Map::value_type;
-  using Reading = typename Map::const_iterator;
-
-  static constexpr bool isWide = sizeof(V) == 8;
-  static constexpr int valueOffset = sizeof(void*) == 8 ? 32 : isWide ? 24 : 20;
-
   struct Twin {
     Map map;
-    Tree plain = PlainOf({});
+    PlainMap<V> plain;
   };
-
-  // The steps of some members.
-  static V& Subscript(Tree& plain, int key) {
-    Pair const zero(key, V());
-    Node* x = plain.LowerBound(&key);
-    if (x == plain.End() || CalledOrder(&key, plain.Value(x), nullptr))
-      x = plain.InsertUniqueAtPosition(x, &zero);
-    return static_cast<Pair*>(plain.Value(x))->second;
-  }
-  static unsigned int Erase(Tree& plain, int key) {
-    Node* const x = plain.Find(&key);
-    if (x == plain.End()) return 0;
-    plain.Erase(x);
-    return 1;
-  }
-  static void Insert(Tree& plain, std::vector<Pair> const& pairs) {
-    for (Pair const& pair : pairs)
-      plain.InsertUnique(&pair);
-  }
-  static Tree PlainOf(std::vector<Pair> const& pairs) {
-    HYLBasNodeOffsets const offsets(valueOffset, valueOffset + (isWide ? 16 : 8));
-    Tree plain(offsets, HYLBasGetReplicator<Pair>(), CalledOrder, nullptr);
-    Insert(plain, pairs);
-    return plain;
-  }
+  static constexpr bool isWide = sizeof(V) == 8;
+  static constexpr unsigned int valueOffset = sizeof(void*) == 8 ? 32 : isWide ? 24 : 20;
 
 public:
   explicit MapWalk(Choices& choices) : m_choices(choices) {}
 
   void Step() {
-    unsigned int const i = m_choices.Below(2);
-    Twin &twin = m_twins[i], &other = m_twins[m_choices.OneIn(4) ? i : 1 - i];
-    Map& map = twin.map;
-    Tree& plain = twin.plain;
+    Twin &twin = m_choices.Of(m_twins), &other = m_choices.Of(m_twins);
     int const key = Key(), key2 = Key(), keys[] = {key, key2, key};
     V const value = Value();
-    Pair const pair(key, value);
-    auto const low = map.lower_bound(key), low2 = map.lower_bound(key2);
-    Node *const plainLow = plain.LowerBound(&key), *const plainLow2 = plain.LowerBound(&key2);
-    std::vector<Pair> pairs;
+    std::vector<typename Map::value_type> real(1, {key2, value});
     for (unsigned int n = m_choices.Below(8); n != 0; --n)
-      pairs.emplace_back(Key(), Value());
-    auto const from = std::as_const(other.map).lower_bound(key), end = Reading(other.map.end());
-    std::vector<Pair> const rest(from, end);
-    unsigned int const action = m_choices.Below(16);
+      real.emplace_back(Key(), Value());
+    std::vector<std::pair<int const, V>> plain;
+    for (auto const& [first, second] : real)
+      plain.emplace_back(first, second);
+    unsigned int const action = m_choices.Below(17);
     SCOPED_TRACE("action " + std::to_string(action));
-    auto it = map.end();
-    bool isNew = false;
-    if (action == 0)
-      Both([&] { map[key], map[key2] = value; },
-           [&] { Subscript(plain, key), Subscript(plain, key2) = value; });
-    if (action == 1)
-      Both([&] { it = map.Insert(key, value); },
-           [&] { Expect(twin, it, plain.InsertUnique(&pair).first); });
-    if (action == 2)
-      Both([&] { it = map.InsertOver(key, value); },
-           [&] {
-             Subscript(plain, key) = value;
-             Expect(twin, it, plain.Find(&key));
-           });
+
+    // An operation is given a map, the other map, and elements.
+    auto const both = [&](auto operation) {
+      Both([&] { return ResultOf(operation, twin.map, other.map, real); },
+           [&] { return ResultOf(operation, twin.plain, other.plain, plain); });
+    };
+    if (action == 0) both([&](auto& m, auto&...) { return std::array{m[key], m[key2] = value}; });
+    if (action == 1) both([&](auto& m, auto&...) { return Index(m, m.Insert(key, value)); });
+    if (action == 2) both([&](auto& m, auto&...) { return Index(m, m.InsertOver(key, value)); });
     if (action == 3)
-      Both(
-          [&] {
-            auto const result = map.insert(pair);
-            it = result.first;
-            isNew = result.second;
-          },
-          [&] {
-            HYLBasPairIterBoolGeneric const result = plain.InsertUnique(&pair);
-            Expect(twin, it, result.first);
-            EXPECT_EQ(isNew, result.second);
-          });
+      both([](auto& m, auto&, auto const& list) {
+        auto const [position, isNew] = m.insert(list[0]);
+        return std::pair(Index(m, position), isNew);
+      });
     if (action == 4)
-      Both([&] { it = map.insert(low2, pair); },
-           [&] { Expect(twin, it, plain.InsertUniqueAtPosition(plainLow2, &pair)); });
+      both([&](auto& m, auto&, auto const& list) {
+        return Index(m, m.insert(m.lower_bound(key), list[0]));
+      });
     if (action == 5)
-      Both([&] { map.insert(pairs.data(), pairs.data() + pairs.size()); },
-           [&] { Insert(plain, pairs); });
+      both([](auto& m, auto&, auto const& list) { m.insert(&list.front(), &list.back() + 1); });
     if (action == 6)
-      Both([&] { map = Map(pairs.data(), pairs.data() + pairs.size()); },
-           [&] { plain = PlainOf(pairs); });
-    if (action == 7) Both([&] { map.insert(from, end); }, [&] { Insert(plain, rest); });
-    if (action == 8) Both([&] { map = Map(from, end); }, [&] { plain = PlainOf(rest); });
-    if (action == 9) LookUp(twin, map, key), LookUp(twin, std::as_const(map), key);
-    if (action == 10 && low != map.end()) map.erase(low), plain.Erase(plainLow);
-    if (action == 11 && key <= key2) map.erase(low, low2), plain.Erase(plainLow, plainLow2);
-    if (action == 12) { // also by a key that goes with its element
-      bool const isThere = low != map.end() && low->first == key;
-      EXPECT_EQ(map.erase(isThere ? low->first : key), Erase(plain, key));
-    }
-    if (action == 13) map.erase(keys, keys + 3), Erase(plain, key), Erase(plain, key2);
-    if (action == 14) map.swap(other.map), plain.Swap(&other.plain);
-    if (action == 15) Both([&] { map = other.map; }, [&] { plain = other.plain; });
-    if (action == 15 && key == 0) map.clear(), plain.Clear();
-    for (Twin& each : m_twins)
-      Compare(each);
+      both([](auto& m, auto&, auto const& list) { m = {&list.front(), &list.back() + 1}; });
+    if (action == 7)
+      both([&](auto& m, auto const& n, auto&) { m.insert(n.lower_bound(key), n.end()); });
+    if (action == 8)
+      both([&](auto& m, auto const& n, auto&) { m = {n.lower_bound(key), n.end()}; });
+    if (action == 9) both([&](auto& m, auto&...) { return LookUp(m, key); });
+    if (action == 10) both([&](auto const& m, auto&...) { return LookUp(m, key); });
+    if (action == 11 && twin.plain.count(key) != 0)
+      both([&](auto& m, auto&...) { m.erase(m.find(key)); });
+    if (action == 12 && key <= key2)
+      both([&](auto& m, auto&...) { m.erase(m.lower_bound(key), m.lower_bound(key2)); });
+    if (action == 13) both([&](auto& m, auto&...) { return m.erase(key) != 0; });
+    if (action == 13 && !twin.plain.empty()) // a key that goes with its element
+      both([](auto& m, auto&...) { return m.erase(m.begin()->first) == 1; });
+    if (action == 14) both([&](auto& m, auto&...) { m.erase(keys, keys + 3); });
+    if (action == 15) both([](auto& m, auto& n, auto&) { m.swap(n); });
+    if (action == 16) both([](auto& m, auto& n, auto&) { m = n; });
+    if (action == 16 && key == 0) both([](auto& m, auto&...) { m.clear(); });
+    for (Twin const& each : m_twins)
+      Compare(each.map, each.plain);
   }
 
 private:
@@ -149,51 +142,29 @@ private:
     return m_choices.Of(some);
   }
 
-  // Both do the same, also when a request for memory fails.
   template <class Real, class Plain>
   void Both(Real real, Plain plain) {
     unsigned int const failing = m_choices.FailingRequest();
+    decltype(real()) result = {}, expected = {};
     Calls();
-    bool const done = Completes(failing, real);
-    auto const calls = Calls();
-    ASSERT_EQ(Completes(failing, plain), done);
-    ASSERT_EQ(Calls(), calls);
+    bool const isDone = Completes(failing, [&] { result = real(); });
+    for (auto const& event : recording::Events())
+      ASSERT_TRUE(event.kind == 'F' || event.n == valueOffset + sizeof(typename Map::value_type));
+    std::string const calls = Calls();
+    ASSERT_EQ(Completes(failing, [&] { expected = plain(); }), isDone);
+    ASSERT_EQ(calls, Calls());
+    ASSERT_EQ(result, expected);
   }
-
-  template <class Iterator>
-  static void Expect(Twin& twin, Iterator it, Node* x) {
-    ASSERT_EQ(it == twin.map.end(), x == twin.plain.End());
-    ASSERT_TRUE(x == twin.plain.End() || it->first == *static_cast<int*>(twin.plain.Value(x)));
-  }
-  template <class M>
-  static void LookUp(Twin& twin, M& map, int key) {
-    Node *const low = twin.plain.LowerBound(&key), *const high = twin.plain.UpperBound(&key);
-    Expect(twin, map.find(key), twin.plain.Find(&key));
-    EXPECT_EQ(map.count(key), low != high);
-    Expect(twin, map.lower_bound(key), low);
-    Expect(twin, map.upper_bound(key), high);
-    Expect(twin, map.equal_range(key).first, low);
-    Expect(twin, map.equal_range(key).second, high);
-  }
-  static void CompareBelow(Node const* x, Node const* y) {
-    ASSERT_EQ(x == nullptr, y == nullptr);
-    if (x == nullptr) return;
-    ASSERT_EQ(x->m_color, y->m_color);
-    Reading const a(HYLBasTreeIteratorGeneric{x}), b(HYLBasTreeIteratorGeneric{y});
-    ASSERT_EQ(reinterpret_cast<char const*>(&a->second),
-              reinterpret_cast<char const*>(x) + valueOffset + (isWide ? 8 : 4));
-    ASSERT_TRUE(a->first == b->first && a->second == b->second);
-    CompareBelow(x->m_left, y->m_left);
-    CompareBelow(x->m_right, y->m_right);
-  }
-  static void Compare(Twin& twin) {
-    Map const& map = twin.map;
-    ASSERT_EQ(map.size(), twin.plain.Size());
-    ASSERT_EQ(map.empty(), twin.plain.Empty());
-    CompareBelow(map.end().m_node->m_parent, twin.plain.Root());
-    auto const& isBefore = [](Pair const& a, Pair const& b) { return a.first < b.first; };
-    ASSERT_EQ(std::distance(map.begin(), map.end()), static_cast<std::ptrdiff_t>(map.size()));
-    ASSERT_TRUE(std::is_sorted(map.begin(), map.end(), isBefore));
+  static void Compare(Map const& map, PlainMap<V> const& plain) {
+    ASSERT_EQ(map.size(), plain.size());
+    ASSERT_EQ(map.empty(), plain.empty());
+    auto expected = plain.begin();
+    for (auto it = map.begin(); it != map.end(); ++it, ++expected) {
+      ASSERT_TRUE(it->first == expected->first && it->second == expected->second);
+      auto const* const value = reinterpret_cast<char const*>(it.m_node) + valueOffset;
+      ASSERT_EQ(reinterpret_cast<char const*>(&it->first), value);
+      ASSERT_EQ(reinterpret_cast<char const*>(&it->second), value + (isWide ? 8 : 4));
+    }
   }
 
   Choices& m_choices;
@@ -202,6 +173,8 @@ private:
 
 template <class V>
 void WalkMaps(Choices& choices) {
+  HostMemory memory;
+  std::pmr::set_default_resource(&memory);
   recording::Reset(nullptr, 0);
   {
     MapWalk<V> walk(choices);
@@ -209,6 +182,7 @@ void WalkMaps(Choices& choices) {
       walk.Step();
   }
   EXPECT_EQ(recording::LiveBlocks(), 0u);
+  std::pmr::set_default_resource(nullptr);
 }
 
 // Plain values that the library holds no code for: all members of their maps.
@@ -227,37 +201,24 @@ WALK(140, 600) {
   choices.Of(walks)(choices);
 }
 
-namespace {
-
-TEST(Map, IteratorsServeStandardAlgorithms) {
+TEST(Map, IteratorsOfBothKindsAndSwap) {
   using Map = HYLBasMap<int, double>;
-  using Iterator = Map::iterator;
-  using Reading = Map::const_iterator;
-  static_assert(sizeof(Iterator) == sizeof(void*) && sizeof(Reading) == sizeof(void*));
-  static_assert(std::is_convertible_v<Iterator, Reading>);
-  static_assert(!std::is_convertible_v<Reading, Iterator>);
-  static_assert(std::is_same_v<std::iterator_traits<Reading>::reference, Map::value_type const&>);
-  static_assert(std::is_same_v<std::iterator_traits<Iterator>::pointer, Map::value_type*>);
-  Map map;
-  for (int key : {4, -3, 0})
-    map[key] = key + 3;
+  static_assert(sizeof(Map::iterator) == sizeof(void*) &&
+                sizeof(Map::const_iterator) == sizeof(void*));
+  static_assert(!std::is_convertible_v<Map::const_iterator, Map::iterator>);
+  Map map, other;
+  map[4] = map[-3] = 1;
   for (auto& element : map)
-    element.second += 1;
-  auto const [least, most] = std::minmax_element(
-      map.begin(), map.end(), [](auto& x, auto& y) { return x.second < y.second; });
-  EXPECT_TRUE(least->first == -3 && most->second == 8);
-  EXPECT_EQ(map.max_size(), 4294967295u);
-  Reading reading = map.begin();
-  EXPECT_TRUE(reading == map.begin() && map.begin() == reading);
-  ++reading;
-  EXPECT_TRUE(reading != map.begin() && map.begin() != reading);
-  Node* const node = reading.m_node;
-  HYLBasTreeIteratorGeneric const generic(node);
-  EXPECT_TRUE(Iterator(node) == generic && Iterator(generic) == node && reading == node);
-  EXPECT_TRUE(map.begin() != node && map.begin() != generic && map.end() != generic);
-  Map other;
+    element.second += element.first;
   swap(map, other); // found by its argument
-  EXPECT_TRUE(map.empty() && other.size() == 3);
+  EXPECT_TRUE(map.empty() && other[4] == 5 && other[-3] == -2);
+  EXPECT_EQ(map.max_size(), 4294967295u);
+  Map::iterator const x = other.begin(), end = other.end();
+  HYLBasTreeIteratorGeneric const generic(x.m_node);
+  Map::const_iterator reading = x;
+  EXPECT_TRUE(reading == x && x == reading && x == generic.m_node && x == generic);
+  EXPECT_FALSE(reading != x || x != reading || x != generic.m_node || x != generic);
+  ++reading;
+  EXPECT_FALSE(reading == x || x == reading || reading == generic.m_node || end == generic);
+  EXPECT_TRUE(reading != x && x != reading && reading != generic.m_node && end != generic);
 }
-
-} // namespace
