@@ -11,31 +11,18 @@ import sys
 
 PROGRAM = re.compile(r"^```cpp\n(.*?)^```\n(?:\n*```text\n(.*?)^```\n)?", re.DOTALL | re.MULTILINE)
 
-
-def problem_of(source, expected, compile_command, work):
+page, work, *command = sys.argv[1:]
+text = pathlib.Path(page).read_text()
+work = pathlib.Path(work)
+work.mkdir(parents=True, exist_ok=True)
+command[command.index("--")] = "example.cpp"
+for example in PROGRAM.finditer(text):
+    source, expected = example.groups("")
     (work / "example.cpp").write_text(source)
-    before, after = compile_command
-    for command in ([*before, "example.cpp", "-o", "example", *after], ["./example"]):
-        ran = subprocess.run(command, cwd=work, capture_output=True, text=True, check=False)
-        if ran.returncode != 0:
-            return f"{command[0]} ended with {ran.returncode}:\n{ran.stdout}{ran.stderr}"
-    lines = [text.splitlines(keepends=True) for text in (expected or "", ran.stdout)]
-    return "".join(difflib.unified_diff(*lines, "in the page", "printed"))
-
-
-def main():
-    page, work, *command = sys.argv[1:]
-    page, work, split = pathlib.Path(page), pathlib.Path(work), command.index("--")
-    work.mkdir(parents=True, exist_ok=True)
-    text = page.read_text()
-    failed = False
-    for example in PROGRAM.finditer(text):
-        problem = problem_of(*example.groups(), (command[:split], command[split + 1 :]), work)
-        line = text.count("\n", 0, example.start()) + 1
-        print(f"{page}:{line}: {problem or 'as the page says'}")
-        failed |= bool(problem)
-    return 1 if failed else 0
-
-
-if __name__ == "__main__":
-    sys.exit(main())
+    subprocess.run([*command, "-o", "example"], cwd=work, check=True)
+    ran = subprocess.run(["./example"], cwd=work, stdout=subprocess.PIPE, text=True, check=True)
+    line = text.count("\n", 0, example.start()) + 1
+    if ran.stdout != expected:
+        lines = (text.splitlines(keepends=True) for text in (expected, ran.stdout))
+        sys.exit("".join(difflib.unified_diff(*lines, f"{page}:{line}", "printed")))
+    print(f"{page}:{line}: as the page says")
