@@ -67,6 +67,14 @@ bool Completes(unsigned int failingRequest, Operation operation) {
   return true;
 }
 
+/// The kinds of the calls since the last time.
+inline std::string TakeCalls() {
+  std::string kinds;
+  for (recording::Event const& event : std::exchange(recording::Events(), {}))
+    kinds += event.kind;
+  return kinds;
+}
+
 /// What an operation that a model has too returns; true where it returns nothing.
 template <class Operation, class... Operands>
 auto ResultOf(Operation operation, Operands&... operands) {

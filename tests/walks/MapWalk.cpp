@@ -55,13 +55,6 @@ std::array<std::ptrdiff_t, 6> LookUp(M& map, int key) {
           Index(map, high),
           map.count(key) != 0};
 }
-// The kinds of the calls since the last time.
-std::string Calls() {
-  std::string kinds;
-  for (auto const& event : std::exchange(recording::Events(), {}))
-    kinds += event.kind;
-  return kinds;
-}
 
 template <class V>
 class MapWalk {
@@ -146,13 +139,13 @@ private:
   void Both(Real real, Plain plain) {
     unsigned int const failing = m_choices.FailingRequest();
     decltype(real()) result = {}, expected = {};
-    Calls();
+    TakeCalls();
     bool const isDone = Completes(failing, [&] { result = real(); });
     for (auto const& event : recording::Events())
       ASSERT_TRUE(event.kind == 'F' || event.n == valueOffset + sizeof(typename Map::value_type));
-    std::string const calls = Calls();
+    std::string const calls = TakeCalls();
     ASSERT_EQ(Completes(failing, [&] { expected = plain(); }), isDone);
-    ASSERT_EQ(calls, Calls());
+    ASSERT_EQ(calls, TakeCalls());
     ASSERT_EQ(result, expected);
   }
   static void Compare(Map const& map, PlainMap<V> const& plain) {
