@@ -183,11 +183,12 @@ public:
       });
     if (action == 18)
       Both([](auto o) {
-        return std::array{IsWholeWith(o.tree, o.tree.Leftmost(), o.position),
-                          IsWholeWith(o.tree, o.tree.Rightmost(), o.position),
+        auto* other = o.tree.Empty() ? o.other.End() : o.position;
+        bool const hasNodes = o.position != o.tree.End() && o.last != o.tree.End();
+        return std::array{IsWholeWith(o.tree, o.tree.Leftmost(), other),
+                          IsWholeWith(o.tree, o.tree.Rightmost(), other),
                           IsWholeWith(o.tree, o.tree.Color(o.position), o.tree.Color(o.last)),
-                          o.position == o.tree.End() || o.last == o.tree.End() ||
-                              IsWholeWith(o.tree, Key(o.position), Key(o.last))};
+                          hasNodes && IsWholeWith(o.tree, Key(o.position), Key(o.last))};
       });
     if (action == 18) Both([](auto o) { return o.tree.BlackCount(o.position, o.tree.Root()); });
     if (action == 18)
