@@ -1,7 +1,7 @@
 // The typed maps beside the standard library's, which take memory in the same way: the same
 // elements, results and requests, also where requests fail.
-#include <array>
 #include <climits>
+#include <functional>
 #include <iterator>
 #include <limits>
 #include <map>
@@ -45,8 +45,9 @@ template <class M>
 std::ptrdiff_t Index(M const& map, typename M::const_iterator position) {
   return std::distance(map.begin(), position);
 }
+using Result = std::vector<std::ptrdiff_t>;
 template <class M>
-std::array<std::ptrdiff_t, 6> LookUp(M& map, int key) {
+Result LookUp(M& map, int key) {
   auto const [low, high] = map.equal_range(key);
   return {Index(map, map.find(key)),
           Index(map, map.lower_bound(key)),
@@ -54,6 +55,20 @@ std::array<std::ptrdiff_t, 6> LookUp(M& map, int key) {
           Index(map, low),
           Index(map, high),
           map.count(key) != 0};
+}
+
+// Both do the same, also where that request for memory fails.
+void Both(unsigned int failing, unsigned int nodeSize, std::function<Result()> const& real,
+          std::function<Result()> const& plain) {
+  Result result, expected;
+  TakeCalls();
+  bool const isDone = Completes(failing, [&] { result = real(); });
+  for (auto const& event : recording::Events())
+    ASSERT_TRUE(event.kind == 'F' || event.n == nodeSize);
+  std::string const calls = TakeCalls();
+  ASSERT_EQ(Completes(failing, [&] { expected = plain(); }), isDone);
+  ASSERT_EQ(calls, TakeCalls());
+  ASSERT_EQ(result, expected);
 }
 
 template <class V>
@@ -65,6 +80,7 @@ class MapWalk {
   };
   static constexpr bool isWide = sizeof(V) == 8;
   static constexpr unsigned int valueOffset = sizeof(void*) == 8 ? 32 : isWide ? 24 : 20;
+  static constexpr unsigned int nodeSize = valueOffset + sizeof(typename Map::value_type);
 
 public:
   explicit MapWalk(Choices& choices) : m_choices(choices) {}
@@ -84,16 +100,23 @@ public:
 
     // An operation is given a map, the other map, and elements.
     auto const both = [&](auto operation) {
-      Both([&] { return ResultOf(operation, twin.map, other.map, real); },
-           [&] { return ResultOf(operation, twin.plain, other.plain, plain); });
+      Both(
+          m_choices.FailingRequest(), nodeSize,
+          [&] { return Result{ResultOf(operation, twin.map, other.map, real)}; },
+          [&] { return Result{ResultOf(operation, twin.plain, other.plain, plain)}; });
     };
-    if (action == 0) both([&](auto& m, auto&...) { return std::array{m[key], m[key2] = value}; });
+    if (action == 0)
+      both([&](auto& m, auto&...) {
+        V* const first = &m[key];
+        m[key2] = value;
+        return first == &m.find(key)->second;
+      });
     if (action == 1) both([&](auto& m, auto&...) { return Index(m, m.Insert(key, value)); });
     if (action == 2) both([&](auto& m, auto&...) { return Index(m, m.InsertOver(key, value)); });
     if (action == 3)
       both([](auto& m, auto&, auto const& list) {
         auto const [position, isNew] = m.insert(list[0]);
-        return std::pair(Index(m, position), isNew);
+        return Result{Index(m, position), isNew};
       });
     if (action == 4)
       both([&](auto& m, auto&, auto const& list) {
@@ -135,19 +158,6 @@ private:
     return m_choices.Of(some);
   }
 
-  template <class Real, class Plain>
-  void Both(Real real, Plain plain) {
-    unsigned int const failing = m_choices.FailingRequest();
-    decltype(real()) result = {}, expected = {};
-    TakeCalls();
-    bool const isDone = Completes(failing, [&] { result = real(); });
-    for (auto const& event : recording::Events())
-      ASSERT_TRUE(event.kind == 'F' || event.n == valueOffset + sizeof(typename Map::value_type));
-    std::string const calls = TakeCalls();
-    ASSERT_EQ(Completes(failing, [&] { expected = plain(); }), isDone);
-    ASSERT_EQ(calls, TakeCalls());
-    ASSERT_EQ(result, expected);
-  }
   static void Compare(Map const& map, PlainMap<V> const& plain) {
     ASSERT_EQ(map.size(), plain.size());
     ASSERT_EQ(map.empty(), plain.empty());
