@@ -1,13 +1,10 @@
 /// \file
-/// A model of the introsort steps: each carried out as it is told, with a record of how deep it
-/// went.
+/// A model of the introsort steps: each carried out as it is told.
 #pragma once
 
 #include <cstddef>
 #include <functional>
 #include <utility>
-
-namespace model {
 
 template <class E>
 struct PlainIntrosort {
@@ -31,21 +28,18 @@ struct PlainIntrosort {
     Loop(first, cut, depth - 1);
   }
   E& Median(E& a, E& b, E& c) {
-    if (before(a, b)) {
-      if (before(b, c)) return b;
-      return before(a, c) ? c : a;
-    }
-    if (before(a, c)) return a;
-    return before(b, c) ? c : b;
+    if (before(a, b)) return before(b, c) ? b : before(a, c) ? c : a;
+    return before(a, c) ? a : before(b, c) ? c : b;
   }
   E* Partition(E* first, E* last, E pivot) {
-    for (;;) {
-      for (; before(*first, pivot); ++first) {
-      }
-      for (--last; before(pivot, *last); --last) {
-      }
+    for (;; ++first) {
+      while (before(*first, pivot))
+        ++first;
+      do
+        --last;
+      while (before(pivot, *last));
       if (first >= last) return first;
-      std::swap(*first++, *last);
+      std::swap(*first, *last);
     }
   }
 
@@ -115,5 +109,3 @@ struct PlainIntrosort {
     return result;
   }
 };
-
-} // namespace model
