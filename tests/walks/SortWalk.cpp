@@ -42,9 +42,9 @@ constexpr unsigned int firstLinear = 4;
 constexpr int (*shapes[])(int i, int n, int r) = {
     [](int, int, int r) { return r - (1 << 30); },
     [](int i, int n, int) { return std::min(i, n - i); },
-    [](int i, int, int r) { return r % 8 > 1 ? i
-                                   : r % 2   ? least
-                                             : most; },
+    [](int i, int, int r) { return r % 8 != 0    ? i
+                                   : r % 16 != 0 ? least
+                                                 : most; },
     [](int, int, int r) { return r % 2; },
     [](int, int, int r) { return r % 16; },
     [](int i, int, int) { return i / 3; },
@@ -116,14 +116,17 @@ Ints Killer(int n) {
   return keys.values;
 }
 
-// Different values stay different and in order. Many differ in the lower half alone, in 64-bit
-// numbers by the topmost bit of that half.
+// Different values stay different and in order, the extremes extremes. Many differ in the lower
+// half alone, in 64-bit numbers by the topmost bit of that half.
 template <class E>
 E ElementOf(int value) {
+  bool const isExtreme = value == least || value == most;
   if constexpr (std::is_same_v<E, Pair>)
-    return {value >> 3, (value & 7) - 4};
+    return isExtreme ? Pair(value, value) : Pair(value >> 3, (value & 7) - 4);
+  else if constexpr (sizeof(E) == 8)
+    return isExtreme ? value * (1ll << 32) + (value > 0 ? ~0u : 0) : value * (1ll << 29);
   else
-    return static_cast<E>(value) * (sizeof(E) == 8 ? 1 << 29 : 1);
+    return static_cast<E>(value);
 }
 
 // Carries out steps and models of steps on the same elements, between others of which those before
@@ -188,8 +191,8 @@ struct Stage {
       #__VA_ARGS__, [&]([[maybe_unused]] E* f, [[maybe_unused]] E* l) { return MODEL; },           \
       [&]([[maybe_unused]] E* f, [[maybe_unused]] E* l) { return __VA_ARGS__; })
 
-/// The steps that all families have. `Tag` is the type of a null pointer for those with type tags,
-/// `comp` the comparitor for those with one. Returns how often the loop reached its depth limit.
+// `Tag` is the type of a null pointer for families with type tags, `comp` the comparitor for the
+// one that has it. Returns how often the loop reached its depth limit.
 template <class E, class... Tag, class... Comp>
 int CompareSteps(Stage<E>& stage, Choices& choices, std::tuple<Tag...>, Comp... comp) {
   PlainIntrosort<E> m{comp...};
