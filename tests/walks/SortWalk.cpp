@@ -226,7 +226,7 @@ int CompareSteps(Stage<E>& stage, Choices& choices, std::tuple<Tag...>, Comp... 
   return heapSorts;
 }
 
-/// The steps that only the families of indices and pairs have.
+// The steps that only the families of indices and pairs have.
 template <class E, class... Comp>
 void CompareMoreSteps(Stage<E>& stage, Comp... comp) {
   using namespace std; // whose names in sight must not make a call ambiguous
@@ -246,11 +246,12 @@ void CompareMoreSteps(Stage<E>& stage, Comp... comp) {
   COMPARE(m.CopyBackward(f + 1, l, l - 1), copy_backward(f + 1, l, l - 1));
 }
 
-/// The library's sort, and what it chooses from as far as this processor can.
+// The library's sort, and what it chooses from as far as this processor can.
 template <class E>
 std::vector<void (*)(E*, E*)> Sorts() {
   using namespace hylbas_detail;
   std::vector<void (*)(E*, E*)> sorts{HYLBasSortSpecial, SortEngine<E>::Sort};
+  if constexpr (std::is_same_v<E, long long>) sorts.push_back(sortInt64_1);
 #ifdef HYLBAS_SORTS_VECTORS
   if (avx2::IsSupported()) sorts.push_back(SortEngine<E, avx2::Ways>::Sort);
   if (avx512::IsSupported()) sorts.push_back(SortEngine<E, avx512::Ways>::Sort);
