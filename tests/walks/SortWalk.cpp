@@ -331,7 +331,8 @@ void CompareIndexSort(Choices& choices, Ints const& values) {
   HYLBasVector<unsigned int> indices(room, 99u); // its contents do not matter
   std::vector<unsigned int> expected(n);
   std::iota(expected.begin(), expected.end(), 0u);
-  PlainIntrosort<unsigned int>{keys.Comparitor()}.Sort(expected.data(), expected.data() + n);
+  if (n != 0)
+    PlainIntrosort<unsigned int>{keys.Comparitor()}.Sort(expected.data(), expected.data() + n);
   auto const calls = std::exchange(keys.calls, {});
   bool const fails = choices.OneIn(4), grows = n > room;
   recording::Events().clear();
