@@ -86,5 +86,11 @@ int main(int argc, char** argv) {
     if (stays) Unload(left);
     ExpectToStart(memory, startMemory, stopMemory, 1);
   }
+#if HYLBAS_MEMORY_STAYS
+  if (memory != nullptr) {
+    Unload(memory);
+    Expect("memory library left in memory", Loaded(argv[1]) != nullptr, true);
+  }
+#endif
   return failures == 0 ? 0 : 1;
 }

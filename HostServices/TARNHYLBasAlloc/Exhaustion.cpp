@@ -1,6 +1,7 @@
 #include "Exhaustion.h"
 
 #include <cstdio>
+#include <cstdlib>
 #include <new>
 
 namespace hylbas_detail {

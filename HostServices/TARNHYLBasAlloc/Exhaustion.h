@@ -1,9 +1,10 @@
 /// \file
-/// The one way from the memory library to the runtime heap, and what happens when it is exhausted.
+/// The one way from the memory library to its heap, and what happens when it is exhausted.
 #pragma once
 
 #include <cstddef>
-#include <cstdlib>
+
+#include "Heap.h"
 
 namespace hylbas_detail {
 
@@ -16,10 +17,10 @@ inline constexpr bool IsHopeless(unsigned int size, unsigned int header) {
   return size == unsatisfiable || static_cast<std::size_t>(size) + header < size;
 }
 
-/// `header` plus `size` bytes from the runtime heap, or null.
+/// `header` plus `size` bytes from the heap, or null.
 inline void* TryAllocate(unsigned int size, unsigned int header = 0) {
   std::size_t const bytes = static_cast<std::size_t>(size) + header;
-  return IsHopeless(size, header) ? nullptr : std::malloc(bytes != 0 ? bytes : 1);
+  return IsHopeless(size, header) ? nullptr : HeapAllocate(bytes);
 }
 
 /// The same, never null: while memory is exhausted, calls the installed new handler and tries

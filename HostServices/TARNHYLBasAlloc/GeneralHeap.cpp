@@ -10,7 +10,7 @@ void* mem_Malloc_Handled(unsigned int size) {
 
 void* mem_Malloc(unsigned int size) { return hylbas_detail::TryAllocate(size); }
 
-void mem_Free(void* block) { std::free(block); }
+void mem_Free(void* block) { hylbas_detail::HeapFree(block); }
 
 void* mem_OperatorNewThrow(unsigned int size) {
   if (void* const block = hylbas_detail::TryAllocate(size)) return block;

@@ -48,7 +48,7 @@ unsigned int HYLBasMemPool::Free(void* block) {
   char* const start = static_cast<char*>(block) - headerSize;
   unsigned int const size = *std::launder(reinterpret_cast<unsigned int*>(start));
   m_memoryCurrent -= size;
-  std::free(start);
+  hylbas_detail::HeapFree(start);
   return size;
 }
 

@@ -29,8 +29,8 @@ HYLBasMemTruePool::HYLBasMemTruePool(int poolNumber, char const* poolName,
 
 HYLBasMemTruePool::~HYLBasMemTruePool() {
   for (unsigned int first = 0; first < m_blockCount; first += BlocksOfSlab(first))
-    std::free(m_blocks[first]);
-  std::free(m_blocks);
+    hylbas_detail::HeapFree(m_blocks[first]);
+  hylbas_detail::HeapFree(m_blocks);
 }
 
 void HYLBasMemTruePool::Grow() {
@@ -56,7 +56,7 @@ void HYLBasMemTruePool::GrowTable() {
   auto** const table = static_cast<char**>(hylbas_detail::AllocateHandled(
       fits ? static_cast<unsigned int>(room * sizeof(char*)) : hylbas_detail::unsatisfiable));
   if (m_blockCount != 0) std::memcpy(table, m_blocks, m_blockCount * sizeof(char*));
-  std::free(m_blocks);
+  hylbas_detail::HeapFree(m_blocks);
   m_blocks = table;
   m_blockRoom = room;
 }
