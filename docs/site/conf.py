@@ -1,6 +1,7 @@
 """What Sphinx needs to know of the site; make.py calls it."""
 
 import pathlib
+import re
 
 from docutils import nodes
 from sphinx import addnodes
@@ -47,5 +48,51 @@ def resolve(app, env, node, content):
     return None
 
 
+def name_signatures(app, doctree):
+    """Puts every name once into the table of contents of its page, and drops `inline`, which tells
+    a caller nothing."""
+    named = set()
+    for signature in doctree.findall(addnodes.desc_signature):
+        for word in list(signature.findall(addnodes.desc_sig_keyword)):
+            if word.astext() == "inline":
+                word.parent.remove(word.next_node(addnodes.desc_sig_space, descend=False, siblings=True))
+                word.parent.remove(word)
+        path = tuple(scope_of(signature))
+        if path not in named and signature.parent["objtype"] != "enumerator":
+            named.add(path)
+            signature["_toc_parts"], signature["_toc_name"] = path, path[-1]
+
+
+def scope_of(signature):
+    """The names of the classes round what is declared, and its own."""
+    outer = signature.parent.parent
+    while outer is not None and not isinstance(outer, addnodes.desc):
+        outer = outer.parent
+    if outer is not None:
+        yield from scope_of(outer[0])
+    *_, name = signature.findall(addnodes.desc_name)  # behind those of template parameters
+    yield name.astext()
+
+
+def link_names(app, doctree, page):
+    """Makes links of the headers, classes and functions that a page names in passing."""
+    env = app.builder.env
+    targets = {name: (where, anchor)
+               for name, _, _, where, anchor, _ in env.get_domain("cpp").get_objects()}
+    for literal in list(doctree.findall(nodes.literal)):
+        if literal.next_node(nodes.reference) or isinstance(
+                literal.parent, (nodes.reference, nodes.title)):
+            continue
+        name = literal.astext()
+        found = re.fullmatch(r"(\w*[A-Z]\w*(?:::\w+)*)(<.*>)?(\(\))?", name)
+        where, anchor = targets.get(found[1], (None, None)) if found else (None, None)
+        if re.fullmatch(r"\w+\.h", name) or re.fullmatch(r"docs/[\w-]+\.md", name):
+            where = name[:-3] if name.endswith(".md") else f"reference/{name[:-2]}"
+        if where in env.found_docs and where != page:
+            literal.replace_self(make_refnode(app.builder, page, where, anchor, literal.deepcopy()))
+
+
 def setup(app):
     app.connect("missing-reference", resolve)
+    app.connect("doctree-read", name_signatures, priority=400)  # before Sphinx collects contents
+    app.connect("doctree-resolved", link_names)

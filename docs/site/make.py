@@ -13,7 +13,7 @@ ROOT = SITE.parent.parent
 ORDER = """briefdescription detaileddescription derivedcompoundref innerclass user-defined
   public-type public-func public-static-func public-attrib public-static-attrib
   protected-type protected-func protected-static-func protected-attrib protected-static-attrib
-  friend define typedef enum var func"""
+  define typedef enum var func"""
 
 
 def extract_comments(out):
@@ -27,21 +27,48 @@ def stage_pages(pages):
         target = pages / page.relative_to(ROOT)
         target.parent.mkdir(parents=True, exist_ok=True)
         shutil.copy(page, target)
+    (pages / "docs/README.md").unlink()  # a list of the pages, which the site has on its side
+    shutil.copy(SITE / "index.md", pages)
+    split_readme(pages)
     if not (ROOT / "docs/plots").exists():
-        page = pages / "docs/performance.md"
-        page.write_text(re.sub(r"(?m)^!\[.*\]\(plots/.*\)\n", "", page.read_text()))
-    (pages / "docs/README.md").unlink()  # a list of the pages, which index.md has too
-    for page in SITE.glob("*.md"):
-        shutil.copy(page, pages)
+        for page in [pages / "index.md", pages / "docs/performance.md"]:
+            page.write_text(re.sub(r"(?m)^!\[.*\]\(.*plots/.*\)\n", "", page.read_text()))
 
 
-def write_reference(folder):
-    """A page for each header."""
+def split_readme(pages):
+    """Its opening belongs to the start page, and the rest is a page of its own."""
+    opening, rest = (pages / "README.md").read_text().split("\n## ", 1)
+    (pages / "opening.txt").write_text(opening.split("\n", 1)[1])
+    (pages / "README.md").write_text(f"# Install and use\n\n## {rest}")
+
+
+def first_sentence(header):
+    comment = re.match(r"/// \\file\n((?:/// .*\n)+)", header.read_text()).group(1)
+    return re.match(r".*?\.(?= |$)", comment.replace("///", "").replace("\n", "").strip()).group()
+
+
+def write_reference(pages):
+    """A page for each header, one for each group of them, and one for all groups."""
+    folder = pages / "reference"
     folder.mkdir()
+    lines = {}
     for header in [*ROOT.glob("ProtectedInterfaces/*.h"), *ROOT.glob("HostInterfaces/*.h")]:
         (folder / f"{header.stem}.md").write_text(
             f"# {header.name}\n\n```{{doxygenfile}} {header.name}\n"
             f":sections: {' '.join(ORDER.split())}\n```\n")
+        lines[header.name] = f"- [`{header.name}`](/reference/{header.stem}.md): " + (
+            first_sentence(header))
+    text = (SITE / "reference.md").read_text()
+    for group in text.split("\n## ")[1:]:
+        title = group.partition("\n")[0]
+        headers = "\n".join(re.findall(r"(?m)^- (\w+)\.h$", group))
+        page = f"# {group}\n\n```{{toctree}}\n:hidden:\n\n{headers}\n```\n"
+        (folder / f"{title.lower().replace(' ', '-')}.md").write_text(describe(page, lines))
+    (pages / "reference.md").write_text(describe(text, lines))
+
+
+def describe(text, lines):
+    return re.sub(r"(?m)^- (\w+\.h)$", lambda match: lines[match[1]], text)
 
 
 def version():
@@ -55,7 +82,7 @@ def make(out):
     out.mkdir(parents=True, exist_ok=True)
     extract_comments(out)
     stage_pages(out / "pages")
-    write_reference(out / "pages/reference")
+    write_reference(out / "pages")
     subprocess.run(["sphinx-build", "-q", "-n", "-W", "--keep-going", "-c", SITE,
                     "-d", out / "cache", "-D", f"release={version()}",
                     "-D", f"breathe_projects.headers={out / 'xml'}", out / "pages", out / "html"],
