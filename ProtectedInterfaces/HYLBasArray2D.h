@@ -215,7 +215,7 @@ inline double NormInf(double const* x, int count) {
   constexpr int lanes = 8;
   double s[lanes] = {};
   int k = 0;
-  for (; k + lanes <= count; k += lanes)
+  for (; count - k >= lanes; k += lanes)
     for (int lane = 0; lane != lanes; ++lane)
       s[lane] = std::fabs(x[k + lane]) > s[lane] ? std::fabs(x[k + lane]) : s[lane];
   for (; k < count; ++k)
@@ -303,7 +303,10 @@ public:
 
   ~HYLBasArray2D() {
     Destroy(m_data, m_memType);
-    SetMembers(0, 0, m_memType, nullptr);
+    // Volatile: compilers drop other stores to an object whose life is over.
+    const_cast<Dimension volatile&>(m_m) = Dimension();
+    const_cast<Dimension volatile&>(m_n) = Dimension();
+    const_cast<T* volatile&>(m_data) = nullptr;
   }
 
   /// Replaces the contents by an owned copy of `other`, also of this array itself, and releases the

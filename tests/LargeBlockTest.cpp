@@ -6,6 +6,8 @@
 #include <gtest/gtest.h>
 #include <sys/mman.h>
 
+#include "HYLBasIntrosort.h"
+#include "HYLBasIsSortedGeneric.h"
 #include "HYLBasVector.h"
 #include "HYLBasVectorStruct.h"
 #include "TARNHYLBasAlloc.h"
@@ -67,6 +69,30 @@ TEST(LargeBlock, IsCountedByVectors) {
                                       {mebi, 0, count - 2},
                                       {(count - 4) * mebi, mebi, 2}}));
   EXPECT_TRUE(v.Size() == 3 && v.Begin() == block);
+}
+
+bool IsLess(void const* a, void const* b) {
+  return *static_cast<int const*>(a) < *static_cast<int const*>(b);
+}
+
+TEST(LargeBlock, IsCountedBySorts) {
+  if (block == MAP_FAILED) GTEST_SKIP() << "no 2100 MiB in one piece";
+  auto* const first = reinterpret_cast<unsigned int*>(block);
+  std::size_t const n = count * (mebi / 4);
+  first[0] = 3; // behind which all is 0
+  EXPECT_FALSE(
+      HYLBasIsSortedGeneric1(block, block + count * mebi, HYLBasReplicatorGeneric(4), IsLess));
+  first[n / 2] = 4;
+  using Operands = std::pair<unsigned int, unsigned int>;
+  HYLBasIxComparitor const thrower([](unsigned int a, unsigned int b, void const*,
+                                      void const*) -> bool { throw Operands(a, b); },
+                                   nullptr, nullptr);
+  try {
+    __introsort_loop(first, first + n, nullptr, 60, thrower);
+    ADD_FAILURE() << "nothing is compared";
+  } catch (Operands const& operands) {
+    EXPECT_EQ(operands, Operands(3, 4));
+  }
 }
 
 } // namespace

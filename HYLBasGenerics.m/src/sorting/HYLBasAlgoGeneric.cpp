@@ -10,9 +10,11 @@
 #include "HYLBasSortGenericIx.h"
 #include "HYLBasSortSpecial.h"
 #include "HYLBasVector.h"
+#include "IntrosortSteps.h"
 #include "LUXCORE.h"
 #include "WholeArraySort.h"
 
+using hylbas_detail::Distance;
 using hylbas_detail::SortWholeArray;
 using Pair = HYLBasPair<int, int>;
 
@@ -31,11 +33,12 @@ void HYLBasSortSpecial(Pair* begin, Pair* end) { SGIsort<Pair*>(begin, end); }
 
 void HYLBasSort2Special(int* arrayBegin, int* arrayEnd, int* arraySecondBegin,
                         int* arraySecondEnd) {
-  std::ptrdiff_t const arraySize = arrayEnd - arrayBegin;
-  if (arraySize != arraySecondEnd - arraySecondBegin) {
+  std::ptrdiff_t const arraySize = Distance(arrayBegin, arrayEnd);
+  std::ptrdiff_t const secondSize = Distance(arraySecondBegin, arraySecondEnd);
+  if (arraySize != secondSize) {
     QELFatalError("AssertionFailed:arraySize == arraySecondEnd - arraySecondBegin", nullptr,
                   nullptr, nullptr, "HYLBasGenerics.m/src/HYLBasAlgoGeneric", 867);
-    if (arraySecondEnd - arraySecondBegin < arraySize) std::abort();
+    if (secondSize < arraySize) std::abort();
   }
 
   if (arraySize < 0) std::abort();
@@ -66,9 +69,12 @@ namespace {
 template <class ComesBefore>
 bool IsSorted(void const* begin, void const* end, int elementSize, ComesBefore const& comesBefore) {
   auto const* element = static_cast<char const*>(begin);
-  // By the distance, because an address before the array is none to compare with.
-  for (; static_cast<char const*>(end) - element > elementSize; element += elementSize)
-    if (comesBefore(element + elementSize, element)) return false;
+  auto const* const last = static_cast<char const*>(end);
+  // By the bytes that are left, because an address before the array is none to compare with, and
+  // unsigned, because on 32 bits they can be more than half of all addresses.
+  auto const size = static_cast<std::size_t>(elementSize);
+  for (; element<last&& static_cast<std::size_t>(last - element)> size; element += size)
+    if (comesBefore(element + size, element)) return false;
   return true;
 }
 

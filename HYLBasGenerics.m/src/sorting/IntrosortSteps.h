@@ -9,7 +9,21 @@
 /// that a step leaves behind are fixed.
 #pragma once
 
+#include <cstddef>
+#include <cstdint>
+
 namespace hylbas_detail {
+
+/// The number of elements of [`first`, `last`). Also where an array takes more than half of a
+/// 32-bit address space: a difference of pointers is negative there.
+template <class Element>
+std::ptrdiff_t Distance(Element const* first, Element const* last) {
+  if (sizeof(void*) > 4) return last - first;
+  if (last < first) return -Distance(last, first);
+  std::uintptr_t const bytes =
+      reinterpret_cast<std::uintptr_t>(last) - reinterpret_cast<std::uintptr_t>(first);
+  return static_cast<std::ptrdiff_t>(bytes / sizeof(Element));
+}
 
 /// `Before` is the ordering, copied by value into every step. Nothing is allocated or checked;
 /// ranges are [first, last). `Count` must hold twice the number of elements. What the ordering
@@ -20,7 +34,7 @@ struct IntrosortSteps {
 
   static void Sort(Element* first, Element* last, Before before) {
     if (first == last) return;
-    IntrosortLoop(first, last, 2 * FloorLog2(last - first), before);
+    IntrosortLoop(first, last, 2 * FloorLog2(Distance(first, last)), before);
     FinalInsertionSort(first, last, before);
   }
 
@@ -36,13 +50,13 @@ struct IntrosortSteps {
 
   /// Leaves runs of up to `longestInsertionSort` elements unsorted, each in its place.
   static void IntrosortLoop(Element* first, Element* last, Count depth, Before before) {
-    while (last - first > longestInsertionSort) {
+    while (Distance(first, last) > longestInsertionSort) {
       if (depth == 0) {
         PartialSort(first, last, last, before);
         return;
       }
       --depth;
-      Element const pivot = Median(*first, first[(last - first) / 2], last[-1], before);
+      Element const pivot = Median(*first, first[Distance(first, last) / 2], last[-1], before);
       Element* const cut = UnguardedPartition(first, last, pivot, before);
       IntrosortLoop(cut, last, depth, before);
       last = cut;
@@ -74,7 +88,7 @@ struct IntrosortSteps {
   /// \name Insertion sort
   /// @{
   static void FinalInsertionSort(Element* first, Element* last, Before before) {
-    if (last - first > longestInsertionSort) {
+    if (Distance(first, last) > longestInsertionSort) {
       InsertionSort(first, first + longestInsertionSort, before);
       UnguardedInsertionSort(first + longestInsertionSort, last, before);
     } else {
@@ -147,7 +161,7 @@ struct IntrosortSteps {
   }
 
   static void MakeHeap(Element* first, Element* last, Before before) {
-    Count const len = last - first;
+    Count const len = Distance(first, last);
     if (len < 2) return;
     for (Count parent = (len - 2) / 2; parent >= 0; --parent)
       AdjustHeap(first, parent, len, first[parent], before);
@@ -157,7 +171,7 @@ struct IntrosortSteps {
   static void PopHeapTo(Element* first, Element* last, Element* result, Element value,
                         Before before) {
     *result = *first;
-    AdjustHeap(first, 0, last - first, value, before);
+    AdjustHeap(first, 0, Distance(first, last), value, before);
   }
 
   static void PopHeap(Element* first, Element* last, Before before) {
@@ -165,7 +179,7 @@ struct IntrosortSteps {
   }
 
   static void SortHeap(Element* first, Element* last, Before before) {
-    for (; last - first > 1; --last)
+    for (; Distance(first, last) > 1; --last)
       PopHeap(first, last, before);
   }
 

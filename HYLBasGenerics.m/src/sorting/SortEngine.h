@@ -13,6 +13,7 @@
 #include <array>
 #include <bit>
 #include <cstddef>
+#include <limits>
 #include <type_traits>
 #include <utility>
 
@@ -34,6 +35,7 @@ class SortEngine {
   using Steps = IntrosortSteps<Element, std::ptrdiff_t, KeysAscending>;
 
   static constexpr std::ptrdiff_t longestLeaf = Way::longestLeaf;
+  static constexpr std::ptrdiff_t elementSize = sizeof(Element);
 
   struct Before {
     bool operator()(Element const& a, Element const& b) const {
@@ -44,14 +46,17 @@ class SortEngine {
 
 public:
   static void Sort(Element* first, Element* last) {
-    if (last - first > longestLeaf && SortByOrder(first, last)) return;
+    std::ptrdiff_t const n = Distance(first, last);
+    // Its passes count by differences of pointers, which some arrays are too long for.
+    bool const hasDifferences = n <= std::numeric_limits<std::ptrdiff_t>::max() / elementSize;
+    if (n > longestLeaf && hasDifferences && SortByOrder(first, last)) return;
     SortUnordered(first, last);
   }
 
   /// The same without a look for order that is there already.
   static void SortUnordered(Element* first, Element* last) {
     if constexpr (isPair) Key::PairsToKeys(first, last);
-    Quicksort(first, last, 2 * Steps::FloorLog2(last - first), true);
+    Quicksort(first, last, 2 * Steps::FloorLog2(Distance(first, last)), true);
     if constexpr (isPair) Key::KeysToPairs(first, last);
   }
 
@@ -81,7 +86,7 @@ private:
   // Unless `isLeftmost`, there is a `first[-1]`, the pivot of an earlier partition. It comes after
   // no element of the range, and so tells whether the new pivot is the least of them.
   static void Quicksort(Element* first, Element* last, std::ptrdiff_t depth, bool isLeftmost) {
-    while (last - first > longestLeaf) {
+    while (Distance(first, last) > longestLeaf) {
       if constexpr (Way::looksForOrder)
         if (NearlyOrdered<Element, KeysAscending>::IsAscending(first, last)) return;
       if (depth-- == 0) return Steps::PartialSort(first, last, last, {});
@@ -94,7 +99,7 @@ private:
       }
       Element* const cut = Way::template Partition<false>(first + 1, last, pivot) - 1;
       std::swap(*first, *cut);
-      if (cut - first < last - cut) {
+      if (Distance(first, cut) < Distance(cut, last)) {
         Quicksort(first, cut, depth, isLeftmost);
         first = cut + 1;
         isLeftmost = false;
@@ -103,13 +108,13 @@ private:
         last = cut;
       }
     }
-    Way::SortLeaf(first, last - first);
+    Way::SortLeaf(first, Distance(first, last));
   }
 
   // The median of the medians of three times three. At uneven distances, because input often has
   // patterns at even ones: a ramp up and down, of which the ends and the middle say nothing.
   static Element* MedianOfNine(Element* first, Element* last) {
-    std::ptrdiff_t const step = (last - first) / 16;
+    std::ptrdiff_t const step = Distance(first, last) / 16;
     MedianToMiddle(first[1 * step], first[5 * step], first[12 * step]);
     MedianToMiddle(first[2 * step], first[7 * step], first[15 * step]);
     MedianToMiddle(first[3 * step], first[9 * step], first[14 * step]);

@@ -20,6 +20,7 @@ enum class Choice { scalar = 0, avx2, avx512 };
 
 template <class Element>
 void SortInChosenWay(Element* first, Element* last) {
+  if (last < first) return;
 #ifdef HYLBAS_SORTS_VECTORS
   if (choice == Choice::avx512) return SortEngine<Element, avx512::Ways>::Sort(first, last);
   if (choice == Choice::avx2) return SortEngine<Element, avx2::Ways>::Sort(first, last);
