@@ -5,6 +5,7 @@ import re
 
 from docutils import nodes
 from sphinx import addnodes
+from sphinx.domains.cpp import CPPDomain
 from sphinx.util.nodes import make_refnode
 
 ROOT = pathlib.Path(__file__).resolve().parent.parent.parent
@@ -35,6 +36,15 @@ nitpick_ignore_regex = [
     ("cpp:identifier", r"Node|Reading|Modifying|IsModifying::value|HYLBasMemCacheManager"),
     ("cpp:identifier", r"HYLBasArray2D<T, Order>::NormType"),  # Sphinx looks into no template
 ]
+
+
+class Names(CPPDomain):
+    """Finds no parameters, of which there are more than of everything else."""
+
+    def get_objects(self):
+        for found in super().get_objects():
+            if not found[2].endswith("Param"):
+                yield found
 
 
 def resolve(app, env, node, content):
@@ -93,6 +103,7 @@ def link_names(app, doctree, page):
 
 
 def setup(app):
+    app.add_domain(Names, override=True)
     app.connect("missing-reference", resolve)
     app.connect("doctree-read", name_signatures, priority=400)  # before Sphinx collects contents
     app.connect("doctree-resolved", link_names)
