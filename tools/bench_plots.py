@@ -102,10 +102,9 @@ def draw(medians, folder):
         panels = {heading: name for heading, name in panels.items() if curves(medians, name)}
         if not panels:
             continue
-        figure, all_axes = pyplot.subplots(
-            1, len(panels), figsize=(3.6 * len(panels), 3.4), layout="constrained", squeeze=False
-        )
-        for axes, (heading, name) in zip(all_axes[0], panels.items()):
+        figure = pyplot.figure(figsize=(7.4, 3.4 * -(-len(panels) // 2)), layout="constrained")
+        for place, (heading, name) in enumerate(panels.items()):
+            axes = figure.add_subplot(-(-len(panels) // 2), 2, place + 1)
             draw_panel(axes, heading, name, medians)
         paths.append(folder / f"{family}.svg")
         figure.savefig(paths[-1], metadata={"Date": None})
