@@ -19,6 +19,7 @@
 /// \param reserved1,reserved2,reserved3 always null
 /// \param path path of the source file that holds the check, relative to the component
 /// \param line line number of the check in that file
+///
 /// The service of this repository prints message, path and line on the standard error stream and
 /// ends the process with `abort()`; a host's own may return.
 LUXCORE_EXPORT void QELFatalError(char const* message, char const* reserved1, char const* reserved2,

@@ -11,10 +11,13 @@ from sphinx.util.nodes import make_refnode
 ROOT = pathlib.Path(__file__).resolve().parent.parent.parent
 
 project = "TARNHYLBasGenericsLib"
+numbers = re.findall(r"(?m)^#define HYLBAS_VERSION_[A-Z]+ (\d+)$",
+                     (ROOT / "ProtectedInterfaces/HYLBasVersion.h").read_text())
+version = release = ".".join(numbers)
 extensions = ["myst_parser", "breathe"]
 
 html_theme = "furo"
-html_title = project
+html_title = f"{project} {release}"
 html_static_path = ["static"]
 html_css_files = ["site.css"]
 html_show_copyright = False
@@ -58,6 +61,14 @@ def resolve(app, env, node, content):
     return None
 
 
+def move_inner_classes(app, doctree):
+    """Puts the classes in a class behind its other members."""
+    for content in doctree.findall(addnodes.desc_content):
+        for inner in [child for child in content if isinstance(child, addnodes.desc)]:
+            content.remove(inner)
+            content.append(inner)
+
+
 def name_signatures(app, doctree):
     """Puts every name once into the table of contents of its page, and drops `inline`, which tells
     a caller nothing."""
@@ -89,6 +100,9 @@ def link_names(app, doctree, page):
     env = app.builder.env
     targets = {name: (where, anchor)
                for name, _, _, where, anchor, _ in env.get_domain("cpp").get_objects()}
+    for name, target in list(targets.items()):
+        if target[0] == page:
+            targets.setdefault(name.rpartition("::")[2], target)
     for literal in list(doctree.findall(nodes.literal)):
         if literal.next_node(nodes.reference) or isinstance(
                 literal.parent, (nodes.reference, nodes.title)):
@@ -98,12 +112,13 @@ def link_names(app, doctree, page):
         where, anchor = targets.get(found[1], (None, None)) if found else (None, None)
         if re.fullmatch(r"\w+\.h", name) or re.fullmatch(r"docs/[\w-]+\.md", name):
             where = name[:-3] if name.endswith(".md") else f"reference/{name[:-2]}"
-        if where in env.found_docs and where != page:
+        if where in env.found_docs and (anchor or where != page):
             literal.replace_self(make_refnode(app.builder, page, where, anchor, literal.deepcopy()))
 
 
 def setup(app):
     app.add_domain(Names, override=True)
     app.connect("missing-reference", resolve)
+    app.connect("doctree-read", move_inner_classes, priority=400)
     app.connect("doctree-read", name_signatures, priority=400)  # before Sphinx collects contents
     app.connect("doctree-resolved", link_names)

@@ -71,11 +71,6 @@ def describe(text, lines):
     return re.sub(r"(?m)^- (\w+\.h)$", lambda match: lines[match[1]], text)
 
 
-def version():
-    text = (ROOT / "ProtectedInterfaces/HYLBasVersion.h").read_text()
-    return ".".join(re.findall(r"^#define HYLBAS_VERSION_[A-Z]+ (\d+)$", text, re.M))
-
-
 def make(out):
     for folder in ("xml", "pages", "html"):
         shutil.rmtree(out / folder, ignore_errors=True)
@@ -84,9 +79,8 @@ def make(out):
     stage_pages(out / "pages")
     write_reference(out / "pages")
     subprocess.run(["sphinx-build", "-q", "-n", "-W", "--keep-going", "-c", SITE,
-                    "-d", out / "cache", "-D", f"release={version()}",
-                    "-D", f"breathe_projects.headers={out / 'xml'}", out / "pages", out / "html"],
-                   check=True)
+                    "-D", f"breathe_projects.headers={out / 'xml'}",
+                    "-d", out / "cache", out / "pages", out / "html"], check=True)
 
 
 if __name__ == "__main__":
