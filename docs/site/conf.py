@@ -6,8 +6,10 @@ import re
 from docutils import nodes
 from sphinx import addnodes
 from sphinx.domains.cpp import CPPDomain
+from sphinx.util import logging
 from sphinx.util.nodes import make_refnode
 
+logger = logging.getLogger(__name__)
 ROOT = pathlib.Path(__file__).resolve().parent.parent.parent
 
 project = "TARNHYLBasGenericsLib"
@@ -76,8 +78,8 @@ def name_signatures(app, doctree):
     for signature in doctree.findall(addnodes.desc_signature):
         for word in list(signature.findall(addnodes.desc_sig_keyword)):
             if word.astext() == "inline":
-                word.parent.remove(word.next_node(addnodes.desc_sig_space, descend=False, siblings=True))
-                word.parent.remove(word)
+                line, place = word.parent, word.parent.index(word)
+                del line[place:place + 2]  # and the space behind it
         path = tuple(scope_of(signature))
         if path not in named and signature.parent["objtype"] != "enumerator":
             named.add(path)
@@ -96,24 +98,29 @@ def scope_of(signature):
 
 
 def link_names(app, doctree, page):
-    """Makes links of the headers, classes and functions that a page names in passing."""
+    """Makes links of the headers, classes and functions that a page names in passing, and warns of
+    those that are not there."""
     env = app.builder.env
-    targets = {name: (where, anchor)
-               for name, _, _, where, anchor, _ in env.get_domain("cpp").get_objects()}
-    for name, target in list(targets.items()):
-        if target[0] == page:
-            targets.setdefault(name.rpartition("::")[2], target)
+    targets = {f"docs/{name}.md": (f"docs/{name}", None) for name in names_in(env, "docs")}
+    targets |= {f"{name}.h": (f"reference/{name}", None) for name in names_in(env, "reference")}
+    for name, _, _, where, anchor, _ in env.get_domain("cpp").get_objects():
+        targets.setdefault(name, (where, anchor))
+        if where == page:
+            targets.setdefault(name.rpartition("::")[2], (where, anchor))
     for literal in list(doctree.findall(nodes.literal)):
         if literal.next_node(nodes.reference) or isinstance(
                 literal.parent, (nodes.reference, nodes.title)):
             continue
-        name = literal.astext()
-        found = re.fullmatch(r"(\w*[A-Z]\w*(?:::\w+)*)(<.*>)?(\(\))?", name)
-        where, anchor = targets.get(found[1], (None, None)) if found else (None, None)
-        if re.fullmatch(r"\w+\.h", name) or re.fullmatch(r"docs/[\w-]+\.md", name):
-            where = name[:-3] if name.endswith(".md") else f"reference/{name[:-2]}"
-        if where in env.found_docs and (anchor or where != page):
-            literal.replace_self(make_refnode(app.builder, page, where, anchor, literal.deepcopy()))
+        name = re.sub(r"<.*>|\(\)$", "", literal.astext())
+        if name in targets and re.search("[A-Z/]", name):
+            link = make_refnode(app.builder, page, *targets[name], literal.deepcopy())
+            literal.replace_self(link)
+        elif re.fullmatch(r"HYL(Bas|Asp)\w+(\.h|::\w+)?", name):
+            logger.warning("nothing is called %s", name, location=literal)
+
+
+def names_in(env, folder):
+    return [page.partition("/")[2] for page in env.found_docs if page.startswith(f"{folder}/")]
 
 
 def setup(app):

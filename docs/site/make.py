@@ -72,7 +72,7 @@ def describe(text, lines):
 
 
 def make(out):
-    for folder in ("xml", "pages", "html"):
+    for folder in ("xml", "pages", "cache", "html"):
         shutil.rmtree(out / folder, ignore_errors=True)
     out.mkdir(parents=True, exist_ok=True)
     extract_comments(out)
