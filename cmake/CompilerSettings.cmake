@@ -65,6 +65,13 @@ if(CMAKE_CXX_COMPILER_ID STREQUAL "GNU")
   endif()
 endif()
 
+# As Debian builds its packages: overruns end the process before they are of use, and the tables of
+# functions are read-only. Sanitizers look for the same and more, and unoptimised code cannot.
+if(HYLBAS_HARDENING AND CMAKE_SYSTEM_NAME STREQUAL "Linux" AND NOT CMAKE_CXX_FLAGS MATCHES "-fsanitize")
+  add_compile_options("$<$<NOT:$<CONFIG:Debug>>:-U_FORTIFY_SOURCE;-D_FORTIFY_SOURCE=2;-fstack-protector-strong>")
+  add_link_options("$<$<NOT:$<CONFIG:Debug>>:LINKER:-z,relro;LINKER:-z,now>")
+endif()
+
 # A shared library names everything that it needs. clang's sanitizer runtimes are the exception:
 # they are linked into the program alone.
 if(CMAKE_SYSTEM_NAME STREQUAL "Linux"

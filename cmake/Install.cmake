@@ -13,9 +13,9 @@ if(HYLBAS_HOST_SERVICES)
 endif()
 install(TARGETS ${hylbasLibraries}
   EXPORT TARNHYLBasGenericsLibTargets
-  RUNTIME DESTINATION ${CMAKE_INSTALL_BINDIR}
-  LIBRARY DESTINATION ${CMAKE_INSTALL_LIBDIR}
-  ARCHIVE DESTINATION ${CMAKE_INSTALL_LIBDIR}
+  RUNTIME DESTINATION ${CMAKE_INSTALL_BINDIR} COMPONENT runtime
+  LIBRARY DESTINATION ${CMAKE_INSTALL_LIBDIR} COMPONENT runtime NAMELINK_COMPONENT development
+  ARCHIVE DESTINATION ${CMAKE_INSTALL_LIBDIR} COMPONENT development
   INCLUDES DESTINATION ${hylbasHeaders})
 
 # The libraries find each other wherever they lie together.
@@ -23,12 +23,12 @@ set_target_properties(${hylbasLibraries} PROPERTIES
   INSTALL_RPATH "$ORIGIN")
 
 install(DIRECTORY ${PROJECT_SOURCE_DIR}/ProtectedInterfaces/ ${PROJECT_SOURCE_DIR}/HostInterfaces/
-  DESTINATION ${hylbasHeaders}
+  DESTINATION ${hylbasHeaders} COMPONENT development
   FILES_MATCHING PATTERN "*.h")
 
 install(EXPORT TARNHYLBasGenericsLibTargets
   NAMESPACE TARNHYLBas::
-  DESTINATION ${hylbasPackage})
+  DESTINATION ${hylbasPackage} COMPONENT development)
 configure_package_config_file(
   ${PROJECT_SOURCE_DIR}/cmake/TARNHYLBasGenericsLibConfig.cmake.in
   ${PROJECT_BINARY_DIR}/TARNHYLBasGenericsLibConfig.cmake
@@ -40,7 +40,7 @@ install(FILES
   ${PROJECT_SOURCE_DIR}/cmake/HostLibraries.cmake
   ${PROJECT_BINARY_DIR}/TARNHYLBasGenericsLibConfig.cmake
   ${PROJECT_BINARY_DIR}/TARNHYLBasGenericsLibConfigVersion.cmake
-  DESTINATION ${hylbasPackage})
+  DESTINATION ${hylbasPackage} COMPONENT development)
 
 # The pkg-config file says where the prefix is, seen from itself, unless the directories were
 # given as absolute paths.
@@ -61,22 +61,19 @@ else()
 endif()
 configure_file(${PROJECT_SOURCE_DIR}/cmake/TARNHYLBasGenericsLib.pc.in
   ${PROJECT_BINARY_DIR}/TARNHYLBasGenericsLib.pc @ONLY)
-install(FILES ${PROJECT_BINARY_DIR}/TARNHYLBasGenericsLib.pc DESTINATION ${hylbasPkgConfig})
+install(FILES ${PROJECT_BINARY_DIR}/TARNHYLBasGenericsLib.pc DESTINATION ${hylbasPkgConfig} COMPONENT development)
 
 # What shows the containers in debuggers. gdb looks for a file named after the library where it
 # keeps those of installed libraries.
 set(hylbasViews ${PROJECT_SOURCE_DIR}/tools/debuggers)
 install(FILES ${hylbasViews}/hylbas_views.py ${hylbasViews}/TARNHYLBasGenericsLib.natvis
-  DESTINATION ${CMAKE_INSTALL_DATADIR}/TARNHYLBasGenericsLib)
+  DESTINATION ${CMAKE_INSTALL_DATADIR}/TARNHYLBasGenericsLib COMPONENT development)
 if(UNIX)
   install(FILES ${hylbasViews}/hylbas_views.py
-    DESTINATION ${CMAKE_INSTALL_DATADIR}/gdb/auto-load${CMAKE_INSTALL_FULL_LIBDIR}
+    DESTINATION ${CMAKE_INSTALL_DATADIR}/gdb/auto-load${CMAKE_INSTALL_FULL_LIBDIR} COMPONENT development
     RENAME $<TARGET_FILE_NAME:TARNHYLBasGenericsLib>-gdb.py)
 endif()
 
-# `cpack -G ZIP` packs all of it.
 if(PROJECT_IS_TOP_LEVEL)
-  set(CPACK_PACKAGE_VENDOR "${PROJECT_NAME}")
-  set(CPACK_VERBATIM_VARIABLES YES)
-  include(CPack)
+  include(cmake/Packages.cmake)
 endif()

@@ -17,6 +17,13 @@
 
 using namespace hylbas_detail;
 
+// Behind a mode of fopen: programs that the process starts meanwhile do not inherit the file.
+#if defined(_WIN32)
+#define HYLBAS_CLOSE_ON_EXEC
+#else
+#define HYLBAS_CLOSE_ON_EXEC "e"
+#endif
+
 namespace {
 
 struct FileCloser {
@@ -197,7 +204,7 @@ void ReadValues(std::FILE* file, FreshBlock& block) {
 
 void HYLBasVectorGeneric::Write(char const* fileName, char const* typeName, char const* comment1,
                                 char const* comment2) const {
-  FileHandle const file(std::fopen(fileName, "w"));
+  FileHandle const file(std::fopen(fileName, "w" HYLBAS_CLOSE_ON_EXEC));
   if (!file) {
     std::fprintf(stderr, "*** Error: cannot open file %s for writing: %s\n", fileName,
                  std::strerror(errno));
@@ -216,7 +223,7 @@ void HYLBasVectorGeneric::Write(char const* fileName, char const* typeName, char
 
 void HYLBasVectorGeneric::Read(char const* fileName) {
   m_first = m_last = m_endOfStorage = nullptr;
-  FileHandle const file(std::fopen(fileName, "r"));
+  FileHandle const file(std::fopen(fileName, "r" HYLBAS_CLOSE_ON_EXEC));
   if (!file) {
     std::fprintf(stderr, "*** Error: cannot open file %s: %s\n", fileName, std::strerror(errno));
     return;
