@@ -51,20 +51,29 @@ def write_reference(pages):
     """A page for each header, one for each group of them, and one for all groups."""
     folder = pages / "reference"
     folder.mkdir()
-    lines = {}
-    for header in [*ROOT.glob("ProtectedInterfaces/*.h"), *ROOT.glob("HostInterfaces/*.h")]:
-        (folder / f"{header.stem}.md").write_text(
-            f"# {header.name}\n\n```{{doxygenfile}} {header.name}\n"
-            f":sections: {' '.join(ORDER.split())}\n```\n")
-        lines[header.name] = f"- [`{header.name}`](/reference/{header.stem}.md): " + (
-            first_sentence(header))
+    headers = [*ROOT.glob("ProtectedInterfaces/*.h"), *ROOT.glob("HostInterfaces/*.h")]
+    lines = {header.name: f"- [`{header.name}`](/reference/{header.stem}.md): "
+                          f"{first_sentence(header)}" for header in headers}
     text = (SITE / "reference.md").read_text()
     for group in text.split("\n## ")[1:]:
-        title = group.partition("\n")[0]
-        headers = "\n".join(re.findall(r"(?m)^- (\w+)\.h$", group))
-        page = f"# {group}\n\n```{{toctree}}\n:hidden:\n\n{headers}\n```\n"
-        (folder / f"{title.lower().replace(' ', '-')}.md").write_text(describe(page, lines))
+        write_group(folder, group, lines)
     (pages / "reference.md").write_text(describe(text, lines))
+    for header in headers:
+        if not (folder / f"{header.stem}.md").exists():
+            sys.exit(f"make.py: docs/site/reference.md does not name {header.name}")
+
+
+def write_group(folder, group, lines):
+    title = group.partition("\n")[0]
+    headers = re.findall(r"(?m)^- (\w+)\.h$", group)
+    guides = ", ".join(re.findall(r"\[[^]]+\]\(/docs/[^)]+\)", group))
+    for header in headers:
+        (folder / f"{header}.md").write_text(
+            f"# {header}.h\n\n{guides and f'Guide: {guides}'}\n\n```{{doxygenfile}} {header}.h\n"
+            f":sections: {' '.join(ORDER.split())}\n```\n")
+    page = folder / f"{title.lower().replace(' ', '-')}.md"
+    contents = "\n".join(["```{toctree}", ":hidden:", "", *headers, "```"])
+    page.write_text(f"# {describe(group, lines)}\n\n{contents}\n")
 
 
 def describe(text, lines):
