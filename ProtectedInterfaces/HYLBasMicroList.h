@@ -18,6 +18,19 @@
 #include "detail/HYLBasExport.h"
 #include "detail/HYLBasPlainElement.h"
 
+namespace hylbas_detail {
+
+/// A block for `n` elements, or null. Where 32 bits do not hold their bytes, it asks for
+/// 4294967295, which are never to be had.
+template <class T>
+T* AllocateShortList(int n) {
+  std::uint64_t const bytes = static_cast<std::uint64_t>(n) * sizeof(T);
+  std::uint64_t const most = std::numeric_limits<std::uint32_t>::max();
+  return static_cast<T*>(HYLBasMicroAllocator::Alloc(static_cast<int>(std::min(bytes, most))));
+}
+
+} // namespace hylbas_detail
+
 /// A block of numbers of fixed length: a pointer and one byte. The library holds it for `int`;
 /// for other plain types, as in `HYLBasVector.h`, its code comes into being in your program.
 template <class T>
@@ -30,14 +43,14 @@ public:
   /// A list of `n` elements that are not initialised; empty unless `n` is in 0 to 127.
   HYLBasMicroList(int n) : m_items(nullptr), m_count(0) {
     if (n < 0 || n > e_longest) return;
-    m_items = Allocate(n);
+    m_items = hylbas_detail::AllocateShortList<T>(n);
     if (m_items != nullptr) m_count = static_cast<signed char>(n);
   }
 
   /// A list with copies of `other`'s elements; linear in their number.
   HYLBasMicroList(HYLBasMicroList const& other) : m_items(nullptr), m_count(0) {
     int const n = other.m_count; // NOLINT(bugprone-signed-char-misuse): a count, taken as signed
-    m_items = Allocate(n);
+    m_items = hylbas_detail::AllocateShortList<T>(n);
     if (m_items == nullptr) return;
     m_count = other.m_count;
     for (int i = 0; i < n; ++i)
@@ -61,13 +74,6 @@ public:
 
 private:
   enum { e_longest = 127 };
-
-  // Asks for 4294967295 bytes, which are never to be had, where 32 bits do not hold the product.
-  static T* Allocate(int n) {
-    std::uint64_t const bytes = static_cast<std::uint64_t>(n) * sizeof(T);
-    std::uint64_t const most = std::numeric_limits<std::uint32_t>::max();
-    return static_cast<T*>(HYLBasMicroAllocator::Alloc(static_cast<int>(std::min(bytes, most))));
-  }
 
   T* m_items;          // null without a block
   signed char m_count; // 0 without a block
