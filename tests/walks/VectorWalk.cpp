@@ -257,6 +257,7 @@ private:
   // empty vector.
   template <class Real, class Model>
   void Do(Real real, Model modelled) {
+    CompareCalls(); // so that those left are of this operation
     if (Completes(m_choices.FailingRequest() != 0, real)) return modelled();
     std::erase_if(recording::Events(), [](auto& e) { return e.kind == 'D' && e.n == 0; });
   }
@@ -265,7 +266,7 @@ private:
     void const* value = nullptr;
     Place place = {};
     std::tie(value, place) = Value();
-    unsigned int const n = Below(6), way = m_vectors[1 - i] ? Below(5) : 0;
+    unsigned int const n = Below(6), way = m_vectors[1 - i] ? Below(6) : 0;
     model::PlainVector &m = m_models[i], &other = m_models[1 - i];
     std::optional<V>& v = m_vectors[i];
     if (v) v.reset(), m.Release();
@@ -283,10 +284,13 @@ private:
            m.InitFrom(other);
          });
     } else if (way > 2 && !m_copiesAreSeen && replicator.m_destroy == nullptr) {
-      if constexpr (isRecordVector<V>) { // of zeros, by the size alone
-        v.emplace(static_cast<unsigned int>(elementSize), way == 3 ? n : 0);
+      if constexpr (isRecordVector<V>) { // by the size alone
+        auto const size = static_cast<unsigned int>(elementSize);
+        if (way == 5)
+          Do([&] { v.emplace(size, n, value); }, [&] { m.InitCopies(n, place); });
+        else
+          v.emplace(size, way == 3 ? n : 0), m.InitZeros(n);
         if (way == 4) v->Init(n);
-        m.InitZeros(n);
       }
     } else {
       Do([&] { v.emplace(Policy<V>(replicator), n, value); }, [&] { m.InitCopies(n, place); });
