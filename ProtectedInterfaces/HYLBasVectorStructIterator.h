@@ -73,5 +73,8 @@ public:
 private:
   unsigned int m_step; // bytes
   char* m_position;
-  [[maybe_unused]] V* m_vector; // for debuggers
+#if defined(__clang__) // which alone would warn of it
+  [[maybe_unused]]
+#endif
+  V* m_vector; // for debuggers
 };
