@@ -84,9 +84,9 @@ TEST(LargeBlock, IsCountedBySorts) {
       HYLBasIsSortedGeneric1(block, block + count * mebi, HYLBasReplicatorGeneric(4), IsLess));
   first[n / 2] = 4;
   using Operands = std::pair<unsigned int, unsigned int>;
-  HYLBasIxComparitor const thrower([](unsigned int a, unsigned int b, void const*,
+  HYLBasIxComparitor const thrower{[](unsigned int a, unsigned int b, void const*,
                                       void const*) -> bool { throw Operands(a, b); },
-                                   nullptr, nullptr);
+                                   nullptr, nullptr};
   try {
     __introsort_loop(first, first + n, nullptr, 60, thrower);
     ADD_FAILURE() << "nothing is compared";
