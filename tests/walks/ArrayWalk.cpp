@@ -1,8 +1,8 @@
-// The two-dimensional arrays beside a model that follows elements, blocks and every failed check.
+// The two-dimensional arrays beside a model of them that works element by element.
 #include <cmath>
 #include <cstring>
 #include <fstream>
-#include <map>
+#include <memory>
 #include <tuple>
 
 #include "HYLBasArray2D.h"
@@ -11,12 +11,9 @@
 
 namespace {
 
-using recording::Place;
-
 struct Report {
   std::string message;
 };
-std::vector<std::string> headerLines;
 bool serviceReturns = false;
 
 } // namespace
@@ -26,15 +23,14 @@ void QELFatalError(char const* message, char const* a, char const* b, char const
                    char const* path, int line) {
   EXPECT_TRUE(a == nullptr && b == nullptr && c == nullptr);
   EXPECT_STREQ(path, "ProtectedInterfaces/HYLBasArray2D");
-  if (headerLines.empty()) {
-    std::ifstream header(HYLBAS_SOURCE_DIR "/ProtectedInterfaces/HYLBasArray2D.h");
-    for (std::string text; std::getline(header, text);)
-      headerLines.push_back(text);
-  }
+  static std::vector<std::string> header;
+  std::ifstream file(HYLBAS_SOURCE_DIR "/ProtectedInterfaces/HYLBasArray2D.h");
+  for (std::string text; header.size() < 1000 && std::getline(file, text);)
+    header.push_back(text);
   // On one line stands the check, on another at most its text.
-  std::string const& check = headerLines.at(static_cast<std::size_t>(line) - 1);
+  std::string const& check = header.at(static_cast<std::size_t>(line) - 1);
   EXPECT_TRUE(check.find("_CHECK") != check.npos || check.find("__LINE__") != check.npos);
-  std::string const around = headerLines.at(static_cast<std::size_t>(line) - 3) + check;
+  std::string const around = header.at(static_cast<std::size_t>(line) - 3) + check;
   EXPECT_NE(around.find(std::string(message).substr(16, 12)), std::string::npos) << message << line;
   if (!serviceReturns) throw Report{message};
 }
@@ -67,12 +63,15 @@ class ArraysAndModels {
   using MemType = typename Array::MemType;
 
   struct Model {
-    int m = 0, n = 0, block = -1, type = 0;
-    std::size_t Index(int i, int j) const {
-      return static_cast<std::size_t>(order == 0 ? i * n + j : j * m + i);
-    }
-    std::size_t Count() const { return m < 1 || n < 1 ? 0 : static_cast<std::size_t>(m * n); }
-    bool IsCopyable() const { return block >= 0 || Count() == 0; }
+    int m = 0, n = 0, block = -1;
+    MemType type = Array::e_copy;
+    std::shared_ptr<T[]> data;
+
+    int Count() const { return m < 1 || n < 1 ? 0 : m * n; }
+    bool IsCopyable() const { return data || Count() == 0; }
+    bool HasRow(int i) const { return data && i >= 0 && i < m; }
+    bool HasColumn(int j) const { return data && j >= 0 && j < n; }
+    T& operator()(int i, int j) const { return data[order == 0 ? i * n + j : j * m + i]; }
   };
 
 public:
@@ -80,90 +79,68 @@ public:
     recording::Reset(m_own, sizeof m_own);
     m_vector.reserve(64);
     recording::Events().clear();
-    for (T& x : m_own)
-      x = Number();
-    m_blocks[0].assign(m_own, m_own + std::size(m_own));
-    for (int k : {0, 1})
-      Construct(k);
+    recording::AtRelease() = [this](void const* block) {
+      for (auto& each : m_arrays)
+        EXPECT_TRUE(m_releasesFirst || !block || each->GetPointerToMemory() != block);
+    };
+    for (int k = 0; k != 64; ++k)
+      m_own[k] = m_plainOwn[k] = m_lines[0][k] = m_lines[1][k] = Number();
+    for (auto& array : m_arrays)
+      array.reset(new Array(0, 0, T()));
   }
   ~ArraysAndModels() {
+    recording::AtRelease() = nullptr;
     for (int k : {0, 1}) {
-      delete m_arrays[k];
-      Release(m_models[k]);
+      m_arrays[k].reset();
+      Replace(m_models[k], {});
     }
     CompareEvents();
     EXPECT_EQ(recording::LiveBlocks(), 1u);
   }
 
   void Step() {
-    int const k = Below(2), action = Below(14);
-    int m = 0, n = 0;
-    std::tie(m, n) = Shape();
-    Array &a = *m_arrays[k], &other = *m_arrays[Below(2)];
-    Model& model = m_models[k];
-    Model const from = m_models[&other == m_arrays[1]];
+    int const k = Below(2), action = Below(10);
+    Array& a = *m_arrays[k];
+    Model const& model = m_models[k];
+    int const i = Index(model.m), j = Index(model.n);
     T const value = Number();
     SCOPED_TRACE("action " + std::to_string(action));
-    if (action == 0) {
-      delete m_arrays[k];
-      Release(model);
-      Construct(k);
-    }
-    if (action == 1 && from.IsCopyable()) // also itself
-      Do([&] { EXPECT_EQ(&(a = other), &a); }, model, [&] { return CopyOf(from); });
-    if (action == 2) Do([&] { a.Resize(m, n, value); }, model, [&] { return Fill(m, n, value); });
-    if (action == 3) {
-      bool const empty = model.block < 0 || model.Count() == 0, inside = !empty && Below(2);
-      std::size_t const at = inside ? Any(model) : 0;
-      T const expected = inside ? m_blocks[model.block][at] : value;
-      Expect(empty, "m_data && m_m > 0 && m_n > 0",
-             [&] { a.SetValue(inside ? a.GetPointerToMemory()[at] : value); });
-      if (!empty) std::fill_n(m_blocks[model.block].begin(), model.Count(), expected);
-    }
+    if (action < 4) Renew(k, Below(11), value);
     if (action == 4) {
-      Model const adopted = NewBlock(m, n);
-      T* data = m_newBlock;
-      a.AdoptMemory(m, n, data);
-      EXPECT_EQ(data, nullptr);
-      Replace(model, adopted);
+      bool const full = model.data && model.Count() != 0;
+      int const at = full && Below(2) ? Below(model.Count()) : -1;
+      T const expected = at < 0 ? value : model.data[at];
+      if (Passes(full, "m_data && m_m > 0 && m_n > 0",
+                 [&] { a.SetValue(at < 0 ? value : a.GetPointerToMemory()[at]); }))
+        std::fill_n(&model(0, 0), model.Count(), expected);
     }
     if (action == 5) {
-      bool const null = m_choices.OneIn(8);
-      a.BorrowMemory(m, n, null ? nullptr : m_own);
-      Replace(model, {m, n, null ? -1 : 0, 2});
-    }
-    if (action == 6) { // an element, through each of the three ways
-      int const i = Index(model.m), j = Index(model.n);
-      bool const bad = model.block < 0 || i < 0 || i >= model.m || j < 0 || j >= model.n;
       char const* const text = "_data && _i >= 0 && _i < _m && _j >= 0 && _j < _n";
       using Formula = typename Array::template SpecializedParenthesis<T, order>;
-      Expect(bad, text, [&] { a(i, j) = value; });
-      if (!bad) m_blocks[model.block][model.Index(i, j)] = value;
-      Expect(bad, text, [&] { EXPECT_TRUE(SameBits(std::as_const(a)(i, j), value)); });
-      Expect(bad, text, [&] {
-        EXPECT_EQ(&Formula::Parenthesis(a.GetPointerToMemory(), model.m, model.n, i, j), &a(i, j));
-      });
+      int const way = Below(3);
+      if (Passes(model.HasRow(i) && model.HasColumn(j), text, [&] {
+            T const& x = way == 0 ? a(i, j)
+                         : way == 1
+                             ? std::as_const(a)(i, j)
+                             : Formula::Parenthesis(a.GetPointerToMemory(), model.m, model.n, i, j);
+            const_cast<T&>(x) = value;
+          }))
+        model(i, j) = value;
     }
-    if (action == 7) GetLines(a, model);
-    if (action == 8) SetLine(a, model, true);
-    if (action == 9) SetLine(a, model, false);
-    if (action == 10) Extract(k, Below(2));
-    if (action == 11) Overlap(a, model);
-    if (action == 12) Measure(a, model);
-    if (action == 13) PrivateStep(a, model, m, n, value);
+    if (action == 6) MoveLine(a, model, true, i);
+    if (action == 7) MoveLine(a, model, false, j);
+    if (action == 8) Extract(k, Below(2));
+    if constexpr (std::is_same_v<T, double>)
+      if (action == 9 && model.IsCopyable()) Measure(a, model, order == 0 ? i : j);
     CompareEvents();
-    for (int i : {0, 1})
-      Compare(*m_arrays[i], m_models[i]);
+    ASSERT_EQ(std::memcmp(m_lines[0], m_lines[1], sizeof m_lines[0]), 0);
+    for (int each : {0, 1})
+      Compare(*m_arrays[each], m_models[each]);
   }
 
 private:
   int Below(int n) { return static_cast<int>(m_choices.Below(static_cast<unsigned int>(n))); }
   int Dimension() { return m_choices.OneIn(8) ? -Below(3) : 1 + Below(6); }
-  std::pair<int, int> Shape() {
-    int const length = 1 + Below(40), way = Below(12);
-    if (way < 2) return {way == 0 ? 1 : length, way == 0 ? length : 1};
-    return {Dimension(), Dimension()};
-  }
   int Index(int limit) { return m_choices.OneIn(12) ? Below(20) - 10 : Below(std::max(limit, 1)); }
   T Number() {
     double const special[] = {-0.0, 1e200, -1e200, 1e-200, HUGE_VAL, std::nan("")};
@@ -171,252 +148,188 @@ private:
     if (std::is_same_v<T, double> && x < 6) return static_cast<T>(special[x]);
     return static_cast<T>(x - 128) / 3;
   }
-  std::size_t Any(Model const& model) {
-    return static_cast<std::size_t>(Below(static_cast<int>(model.Count())));
+
+  // An allocated block of what `element` tells.
+  Model Made(int m, int n, auto element) {
+    Model made = {m, n, -1, Array::e_copy, nullptr};
+    if (made.Count() == 0) return made;
+    auto const count = static_cast<std::size_t>(made.Count());
+    m_events.push_back({'A', {-1, 0}, {-1, 0}, count * sizeof(T)});
+    made.block = m_nextNumber++;
+    made.data.reset(new T[count]);
+    for (int i = 0; i < m; ++i)
+      for (int j = 0; j < n; ++j)
+        made(i, j) = element(i, j);
+    return made;
   }
-  T& Element(Model const& model, int i, int j) {
-    return m_blocks.at(model.block).at(model.Index(i, j));
+  void Replace(Model& model, Model const& made) {
+    if (model.type == Array::e_copy || model.type == Array::e_adopt)
+      m_events.push_back({'F', {model.block, 0}, {-1, 0}, 0});
+    model = made;
   }
 
-  int Allocated(Model const& shape) {
-    if (shape.Count() == 0) return -1;
-    m_events.push_back({'A', {-1, 0}, {-1, 0}, shape.Count() * sizeof(T)});
-    m_blocks[m_nextNumber].resize(shape.Count());
-    return m_nextNumber++;
-  }
-  Model Fill(int m, int n, T value) {
-    Model model = {m, n};
-    model.block = Allocated(model);
-    if (model.block > 0) m_blocks[model.block].assign(model.Count(), value);
-    return model;
-  }
-  Model CopyOf(Model const& from) {
-    Model model = Fill(from.m, from.n, T());
-    if (model.block > 0)
-      std::copy_n(&m_blocks[from.block][0], model.Count(), &m_blocks[model.block][0]);
-    return model;
-  }
-  // A block of the caller's, to be adopted; none when a dimension is below 1.
-  Model NewBlock(int m, int n) {
-    Model model = Fill(m, n, T(3));
-    model.type = 1;
-    m_newBlock = nullptr;
-    if (model.block < 0) return model;
-    auto const bytes = static_cast<unsigned int>(model.Count() * sizeof(T));
-    m_newBlock = static_cast<T*>(mem_OperatorNewThrowBuiltin(bytes));
-    std::fill_n(m_newBlock, model.Count(), T(3));
-    return model;
-  }
-  void Release(Model const& old) {
-    if (old.type != 0 && old.type != 1) return;
-    m_events.push_back({'F', {old.block, 0}, {-1, 0}, 0});
-    if (old.block > 0) m_blocks.erase(old.block);
-  }
-
-  void Construct(int k) {
-    int const way = Below(8);
-    int m = 0, n = 0;
-    std::tie(m, n) = Shape();
-    m_models[k] = {};
-    T* own = m_own;
-    auto const type = static_cast<MemType>(Below(2) ? Below(3) : Below(9) - 4);
-    T const value = Number();
-    if (way < 2) {
-      m_arrays[k] = new Array(m, n, value);
-      m_models[k] = Fill(m, n, value);
-    } else if (way < 3 && m_arrays[1 - k] != nullptr && m_models[1 - k].IsCopyable()) {
-      m_arrays[k] = new Array(*m_arrays[1 - k]);
-      m_models[k] = CopyOf(m_models[1 - k]);
-    } else if (way < 6) {
-      Model const adopted = type == Array::e_adopt ? NewBlock(m, n) : Model();
-      T* data = type == Array::e_adopt ? m_newBlock : own;
-      m_arrays[k] = new Array(m, n, data, type);
-      EXPECT_EQ(data, type == Array::e_adopt ? nullptr : own);
-      m_models[k] = type == Array::e_adopt ? adopted : Taken(m, n, type);
-    } else {
-      Expect(type == Array::e_adopt,
-             "\"Invalid use of e_adopt memory option with this Array2D constructor\" == 0",
-             [&] { m_arrays[k] = new Array(m, n, own, Array::e_pointerValue, type); });
-      if (type == Array::e_adopt) return Construct(k);
-      m_models[k] = Taken(m, n, type);
+  // Everything by which an array gets a block; most release the former one after that.
+  void Renew(int k, int way, T value) {
+    Array &a = *m_arrays[k], &other = *m_arrays[Below(2)];
+    Model const from = m_models[&other == m_arrays[1].get()];
+    if (way > 8 && !from.IsCopyable()) return;
+    auto const privates = Open(&a);
+    int const length = m_choices.OneIn(6) ? 1 + Below(40) : 0, across = Below(2);
+    int const m = length == 0 ? Dimension() : across ? 1 : length;
+    int const n = length == 0 ? Dimension() : across ? length : 1;
+    auto const any = static_cast<MemType>(Below(2) ? Below(3) : Below(9) - 4);
+    MemType const types[] = {any, any, Array::e_adopt, Array::e_adopt, Array::e_borrow};
+    MemType const type = way < 5 ? types[way] : Array::e_copy;
+    bool const adopts = type == Array::e_adopt && way != 1, null = way == 4 && m_choices.OneIn(8);
+    T *data = null ? nullptr : m_own, *former = a.GetPointerToMemory();
+    Model const lent = {m, n, null ? -1 : 0, Array::e_borrow, null ? nullptr : m_plainOwn};
+    Model made = lent;
+    if (adopts) {
+      (a.*std::get<0>(privates))(m, n, data);
+      made = Made(m, n, [](int, int) { return T(3); });
+      made.type = Array::e_adopt;
+      std::fill_n(data, made.Count(), T(3));
     }
-  }
-  Model Taken(int m, int n, MemType type) {
-    if (type == Array::e_copy) return CopyOf({m, n, 0, 0});
-    if (type == Array::e_borrow) return {m, n, 0, type};
-    return {0, 0, -1, type};
-  }
-
-  void GetLines(Array& a, Model const& model) {
-    int const i = Index(model.m), j = Index(model.n), room = model.n + Below(4) - 1;
-    bool const badRow = model.block < 0 || i < 0 || i >= model.m, null = m_choices.OneIn(8);
-    bool const badColumn = model.block < 0 || j < 0 || j >= model.n;
-    T places[44];
-    std::fill_n(places, 44, T(9999));
-    Expect(badRow || null || room < model.n,
-           "m_data != 0 && _row && _n >= m_n && _rowid >= 0 && _rowid < m_m", [&] {
-             a.GetRowCopy(i, room, null ? nullptr : places);
-             for (int c = 0; c != 44; ++c)
-               ASSERT_TRUE(SameBits(places[c], c < model.n ? Element(model, i, c) : T(9999)));
-           });
-    // A negative number asks for a vector of 4294967295 elements.
-    m_vector.resize(static_cast<unsigned int>(Below(12)));
-    if (badRow || model.n >= 0)
-      Expect(badRow, "m_data != 0 && _rowid >= 0 && _rowid < m_m", [&] {
-        a.GetRowCopy(i, m_vector);
-        ASSERT_EQ(int(m_vector.size()), model.n);
-        for (int c = 0; c < model.n; ++c)
-          ASSERT_TRUE(SameBits(m_vector.begin()[c], Element(model, i, c)));
-      });
-    if (badColumn || model.m >= 0)
-      Expect(badColumn, "m_data != 0 && _colid >= 0 && _colid < m_n", [&] {
-        a.GetColumnCopy(j, m_vector);
-        ASSERT_EQ(int(m_vector.size()), model.m);
-        for (int r = 0; r < model.m; ++r)
-          ASSERT_TRUE(SameBits(m_vector.begin()[r], Element(model, r, j)));
-      });
+    m_releasesFirst = way == 2 || way == 4;
+    char const* const text =
+        "\"Invalid use of e_adopt memory option with this Array2D constructor\" == 0";
+    bool const isDone = Passes(way != 1 || type != Array::e_adopt, text, [&] {
+      if (way == 0) m_arrays[k].reset(new Array(m, n, data, type));
+      if (way == 1) m_arrays[k].reset(new Array(m, n, m_own, Array::e_pointerValue, type));
+      if (way == 2) a.AdoptMemory(m, n, data);
+      if (way == 3) (a.*std::get<4>(privates))(m, n, type, std::exchange(data, nullptr));
+      if (way == 4) a.BorrowMemory(m, n, data);
+      if (way == 5) (a.*std::get<1>(privates))(m, n, data);
+      if (way == 6) m_arrays[k].reset(new Array(m, n, value));
+      if (way == 7) a.Resize(m, n, value);
+      if (way == 8) (a.*std::get<2>(privates))(m, n, value);
+      if (way == 9) m_arrays[k].reset(new Array(std::as_const(other)));
+      if (way == 10) { // also itself
+        EXPECT_EQ(&(a = other), &a);
+      }
+      if (way != 3 && way != 5 && way != 8) return;
+      (a.*std::get<3>(privates))(former, m_models[k].type);
+      EXPECT_EQ(former, nullptr);
+    });
+    m_releasesFirst = false;
+    EXPECT_EQ(data, adopts || null ? nullptr : m_own);
+    if (!isDone) return;
+    if (way > 8)
+      made = Made(from.m, from.n, from);
+    else if (way > 5)
+      made = Made(m, n, [&](int, int) { return value; });
+    else if (type == Array::e_copy)
+      made = Made(m, n, lent);
+    else if (type != Array::e_adopt && type != Array::e_borrow)
+      made = {0, 0, -1, type, nullptr};
+    Replace(m_models[k], made);
   }
 
-  void SetLine(Array& a, Model const& model, bool isRow) {
-    int const limit = isRow ? model.m : model.n, length = isRow ? model.n : model.m;
-    int const at = Index(limit), size = std::max(0, length - 1 + Below(6));
-    m_vector.resize(static_cast<unsigned int>(size));
-    for (T& x : m_vector)
-      x = Number();
-    bool const bad = model.block < 0 || at < 0 || at >= limit, buffer = Below(2);
-    bool const isShort = size < length || (!buffer && length < 0);
-    std::string const text = isRow    ? "m_data != 0 && _rowid >= 0 && _rowid < m_m && "
-                             : buffer ? "m_data != 0 && _colid >= 0 &&_colid < m_n && "
-                                      : "m_data != 0 && _colid >= 0 && _colid < m_n && ";
-    std::string const row = buffer ? "_n >= m_n" : "_row.size() >= m_n";
-    Expect(bad || isShort,
-           text + (isRow    ? row
-                   : buffer ? "_m >= m_m"
-                            : "_col.size() >= m_m"),
-           [&] {
-             if (isRow)
-               buffer ? a.SetRow(at, m_vector.begin(), size) : a.SetRow(at, m_vector);
-             else
-               buffer ? a.SetColumn(at, m_vector.begin(), size) : a.SetColumn(at, m_vector);
-           });
-    for (int x = 0; !bad && !isShort && x < length; ++x)
-      Element(model, isRow ? at : x, isRow ? x : at) = m_vector.begin()[x];
+  // Between a row or column and a vector, a buffer of the walk's or a part of the array's block.
+  void MoveLine(Array& a, Model const& model, bool isRow, int at) {
+    static char const* const texts[2][4] = {
+        {"m_data != 0 && _colid >= 0 && _colid < m_n",
+         "m_data != 0 && _colid >= 0 && _colid < m_n && _col.size() >= m_m",
+         "m_data != 0 && _colid >= 0 &&_colid < m_n && _m >= m_m", nullptr},
+        {"m_data != 0 && _rowid >= 0 && _rowid < m_m",
+         "m_data != 0 && _rowid >= 0 && _rowid < m_m && _row.size() >= m_n",
+         "m_data != 0 && _rowid >= 0 && _rowid < m_m && _n >= m_n",
+         "m_data != 0 && _row && _n >= m_n && _rowid >= 0 && _rowid < m_m"}};
+    int const length = isRow ? model.n : model.m, count = length - 1 + Below(4);
+    int const room = model.Count() - length, way = Below(isRow ? 4 : 3);
+    bool const isInside = model.data && length >= 0 && room >= 0 && Below(2), null = Below(4) == 0;
+    bool const good = isRow ? model.HasRow(at) : model.HasColumn(at), sets = way == 1 || way == 2;
+    bool const fits = way == 0 || (count >= length && (way != 1 || length >= 0) && (sets || !null));
+    if (way == 0 && length < 0) return; // asks for a vector of 4294967295 elements
+    int const inside = isInside ? Below(room + 1) : 0;
+    T* const line = isInside ? a.GetPointerToMemory() + inside : m_lines[0];
+    std::vector<T> vector(m_lines[1], m_lines[1] + std::max(count, 0));
+    m_vector.assign(0, T());
+    m_vector.insert(m_vector.begin(), m_lines[0], m_lines[0] + vector.size());
+    bool const isDone = Passes(good && fits, texts[isRow][way], [&] {
+      if (way == 0) isRow ? a.GetRowCopy(at, m_vector) : a.GetColumnCopy(at, m_vector);
+      if (way == 1) isRow ? a.SetRow(at, m_vector) : a.SetColumn(at, m_vector);
+      if (way == 2) isRow ? a.SetRow(at, line, count) : a.SetColumn(at, line, count);
+      if (way == 3) a.GetRowCopy(at, count, null ? nullptr : line);
+    });
+    if (isDone && way == 0) vector.resize(static_cast<std::size_t>(length));
+    T* const plain = way < 2 ? vector.data() : isInside ? &model.data[inside] : m_lines[1];
+    for (int x = 0; isDone && x < length; ++x) {
+      T& element = isRow ? model(at, x) : model(x, at);
+      sets ? element = plain[x] : plain[x] = element;
+    }
+    ASSERT_EQ(m_vector.size(), vector.size());
+    ASSERT_TRUE(vector.empty() ||
+                std::memcmp(m_vector.begin(), &vector[0], vector.size() * sizeof(T)) == 0);
   }
 
   void Extract(int k, bool rows) {
-    Array &a = *m_arrays[k], &other = *m_arrays[1 - k];
-    Model const& source = m_models[k];
-    Model& result = m_models[1 - k];
+    Array &a = *m_arrays[k], &result = *m_arrays[1 - k];
+    Model const source = m_models[k];
     int const limit = rows ? source.m : source.n, count = Below(std::max(limit, 0) + 2) - Below(2);
-    int chosen[42];
-    for (int& id : chosen)
-      id = Index(limit);
-    int const* const list = m_choices.OneIn(10) ? nullptr : chosen;
-    auto const extract = [&] {
-      rows ? a.ExtractRows(list, count, other) : a.ExtractColumns(list, count, other);
-    };
-    if (source.block < 0 || list == nullptr || count > limit)
-      return Expect(true,
-                    rows ? "m_data && _rowids && _m <= m_m" : "m_data && _colids && _n <= m_n",
-                    extract);
-    int good = 0;
-    while (good < count && chosen[good] >= 0 && chosen[good] < limit)
+    int chosen[42], good = 0;
+    for (int x = 0; x < count; ++x)
+      chosen[x] = Index(limit);
+    while (good < count && (rows ? source.HasRow(chosen[good]) : source.HasColumn(chosen[good])))
       ++good;
-    char const* const text = rows ? "rid >= 0 && rid < m_m" : "cid >= 0 && cid < m_n";
-    Do([&] { Expect(good < count, text, extract); }, result,
-       [&] {
-         Model const made = Fill(rows ? count : source.m, rows ? source.n : count, 0);
-         for (int c = 0; c < good; ++c)
-           for (int x = 0; x < (rows ? source.n : source.m); ++x)
-             rows ? Element(made, c, x) = Element(source, chosen[c], x)
-                  : Element(made, x, c) = Element(source, x, chosen[c]);
-         return made;
-       });
-  }
-
-  // A buffer inside the array's own block: element by element, first to last.
-  void Overlap(Array& a, Model const& model) {
-    if (model.block < 0 || model.m < 1 || model.Count() < static_cast<std::size_t>(model.n)) return;
-    int const i = Below(model.m), at = Below(static_cast<int>(model.Count()) - model.n + 1);
-    bool const out = Below(2);
-    T* const buffer = a.GetPointerToMemory() + at;
-    out ? a.GetRowCopy(i, model.n, buffer) : a.SetRow(i, buffer, model.n);
-    for (int j = 0; j < model.n; ++j) {
-      T& place = m_blocks[model.block][static_cast<std::size_t>(at + j)];
-      out ? place = Element(model, i, j) : Element(model, i, j) = place;
-    }
+    int const* const list = m_choices.OneIn(10) ? nullptr : chosen;
+    bool const listed = source.data && list && count <= limit;
+    std::string const text = listed ? rows ? "rid >= 0 && rid < m_m" : "cid >= 0 && cid < m_n"
+                             : rows ? "m_data && _rowids && _m <= m_m"
+                                    : "m_data && _colids && _n <= m_n";
+    Passes(listed && good >= count, text, [&] {
+      rows ? a.ExtractRows(list, count, result) : a.ExtractColumns(list, count, result);
+    });
+    if (!listed || !m_done) return;
+    Replace(m_models[1 - k],
+            Made(rows ? count : source.m, rows ? source.n : count, [&](int i, int j) {
+              int const x = rows ? i : j;
+              return x >= good ? T() : rows ? source(chosen[x], j) : source(i, chosen[x]);
+            }));
   }
 
   // The norms of lines that lie in one piece, of a copy of the array.
-  void Measure(Array& a, Model const& model) {
-    if constexpr (std::is_same_v<T, double>) {
-      int const limit = order == 0 ? model.m : model.n, at = Index(limit), type = Below(5) - 1;
+  void Measure(Array& a, Model const& model, int at) {
+    bool const rows = order == 0;
+    int const type = Below(5) - 1, length = rows ? model.n : model.m;
+    double norm = -1;
+    double volatile s = 0.0; // every step rounded to a double
+    bool const good = at >= 0 && at < (rows ? model.m : model.n);
+    Passes(good, rows ? "0 <= _rowid && _rowid < m" : "0 <= _colid && _colid < n", [&] {
       auto const kind = static_cast<typename Array::NormType>(type);
-      if (!model.IsCopyable()) return;
-      double norm = -1;
-      Expect(at < 0 || at >= limit,
-             order == 0 ? "0 <= _rowid && _rowid < m" : "0 <= _colid && _colid < n", [&] {
-               if constexpr (order == 0)
-                 norm = RowNorm(a, at, kind);
-               else
-                 norm = ColumnNorm(a, at, kind);
-               double volatile s = 0.0; // every step rounded to a double
-               for (int x = 0; x < (order == 0 ? model.n : model.m); ++x) {
-                 double const y = order == 0 ? Element(model, at, x) : Element(model, x, at);
-                 double volatile const square = y * y;
-                 if (type == 0) s = std::fabs(y) + s;
-                 if (type == 1) s = square + s;
-                 if (type == 2 && std::fabs(y) > s) s = std::fabs(y);
-               }
-               double const expected = type == 1 ? std::sqrt(s) : s;
-               EXPECT_TRUE(std::isnan(norm) ? std::isnan(expected) : SameBits(norm, expected));
-             });
-      Release(CopyOf(model));
+      if constexpr (order == 0)
+        norm = RowNorm(a, at, kind);
+      else
+        norm = ColumnNorm(a, at, kind);
+    });
+    Model copy = m_done ? Made(model.m, model.n, model) : Model{0, 0, -1, Array::e_borrow, nullptr};
+    Replace(copy, {});
+    for (int x = 0; good && x < length; ++x) {
+      double const y = rows ? model(at, x) : model(x, at);
+      double volatile const square = y * y;
+      if (type == 0) s = std::fabs(y) + s;
+      if (type == 1) s = square + s;
+      if (type == 2 && std::fabs(y) > s) s = std::fabs(y);
     }
+    if (!m_done || !good) return;
+    double const expected = type == 1 ? std::sqrt(s) : s;
+    EXPECT_TRUE(std::isnan(norm) ? std::isnan(expected) : SameBits(norm, expected));
   }
 
-  void PrivateStep(Array& a, Model& model, int m, int n, T value) {
-    auto const [allocate, copy, initialize, destroy, setMembers] = Open(&a);
-    T* block = m_own;
-    (a.*allocate)(m, n, block);
-    Model made = Fill(m, n, T());
-    EXPECT_EQ(recording::Locate(block), (Place{made.block, 0}));
-    std::fill_n(block, made.Count(), T());
-    Model const old = model;
-    T* former = a.GetPointerToMemory();
-    int const way = Below(3); // of replacing what was there, which is not released
-    if (way == 0) (a.*setMembers)(m, n, Array::e_adopt, block), model = {m, n, made.block, 1};
-    if (way == 1) (a.*initialize)(m, n, value), model = Fill(m, n, value);
-    if (way == 2) (a.*copy)(m, n, m_own), model = CopyOf({m, n, 0, 0});
-    if (way != 0) (a.*destroy)(block, Array::e_copy), Release(made);
-    (a.*destroy)(former, static_cast<MemType>(old.type)), Release(old);
-    EXPECT_TRUE(former == nullptr || old.type < 0 || old.type > 2);
-  }
-
-  // Carries out what replaces the array's block, also without memory. The former block is released
-  // when the new one and its shape are there.
-  template <class Operation, class Replacement>
-  void Do(Operation operation, Model& model, Replacement replacement) {
-    recording::AtRelease() = [&](void const* block) {
-      for (Array* const each : m_arrays)
-        EXPECT_TRUE(block == nullptr || each->GetPointerToMemory() != block);
-    };
-    bool const done = Completes(m_choices.FailingRequest() == 1, operation);
-    recording::AtRelease() = nullptr;
-    if (done) Replace(model, replacement());
-  }
-  void Replace(Model& model, Model const& made) { Release(std::exchange(model, made)); }
-
-  // Runs the operation, which fails with this text or not at all.
+  // Carries out the operation, at times without memory, which fails with this text or not at all.
+  // Whether it was completed.
   template <class Operation>
-  void Expect(bool fails, std::string const& text, Operation operation) {
-    try {
-      operation();
-      EXPECT_FALSE(fails) << text;
-    } catch (Report const& report) {
-      EXPECT_TRUE(fails) << report.message;
-      EXPECT_EQ(report.message, "AssertionFailed:" + text);
-    }
+  bool Passes(bool ok, std::string const& text, Operation operation) {
+    std::string message;
+    m_done = Completes(m_choices.FailingRequest() == 1, [&] {
+      try {
+        operation();
+      } catch (Report const& report) {
+        message = report.message;
+      }
+    });
+    EXPECT_EQ(message, m_done && !ok ? "AssertionFailed:" + text : "");
+    return m_done && ok;
   }
 
   void CompareEvents() {
@@ -429,22 +342,21 @@ private:
     a.GetSize(m, n);
     EXPECT_TRUE(m == model.m && n == model.n);
     EXPECT_TRUE(a.GetNumberOfRows() == m && a.GetNumberOfColumns() == n);
-    ASSERT_EQ(recording::Locate(a.GetPointerToMemory()), (Place{model.block, 0}));
-    if (model.block >= 0 && model.Count() != 0) {
-      std::vector<T> const& expected = m_blocks[model.block];
-      ASSERT_EQ(std::memcmp(a.GetPointerToMemory(), &expected[0], model.Count() * sizeof(T)), 0);
-    }
+    T const* const data = a.GetPointerToMemory();
+    ASSERT_EQ(recording::Locate(data), (recording::Place{model.block, 0}));
+    std::size_t const bytes = sizeof(T) * static_cast<std::size_t>(model.Count());
+    ASSERT_TRUE(data == nullptr || std::memcmp(data, &model.data[0], bytes) == 0);
   }
 
   Choices& m_choices;
-  T m_own[64];
+  T m_own[64], m_lines[2][64];
+  std::shared_ptr<T[]> m_plainOwn{new T[64]};
   HYLBasVector<T> m_vector;
   int m_nextNumber = 2;
-  std::map<int, std::vector<T>> m_blocks;
   std::vector<recording::Event> m_events;
-  T* m_newBlock = nullptr;
-  Array* m_arrays[2] = {};
+  std::unique_ptr<Array> m_arrays[2];
   Model m_models[2];
+  bool m_done, m_releasesFirst = false;
 };
 
 template <class T, int order>
@@ -469,8 +381,6 @@ struct ArrayTable : testing::Test {};
 using Arrays = testing::Types<HYLBasArray2D<int, 0>, HYLBasArray2D<int, 1>,
                               HYLBasArray2D<double, 0>, HYLBasArray2D<double, 1>>;
 TYPED_TEST_SUITE(ArrayTable, Arrays, );
-template <class T, int order>
-T ElementOf(HYLBasArray2D<T, order> const&);
 
 auto const dies = Aborted();
 
@@ -482,7 +392,7 @@ TYPED_TEST(ArrayTable, CountsThatDoNotFitAskForTheSizeThatIsNeverHad) {
 
 // Where the host's service returns, a failed check ends the process; the refused adoption goes on.
 TYPED_TEST(ArrayTable, NothingGoesOnAfterAFailedCheckButTheRefusedAdoption) {
-  using T = decltype(ElementOf(std::declval<TypeParam>()));
+  using T = std::remove_reference_t<decltype(std::declval<TypeParam>()(0, 0))>;
   T own[6] = {};
   recording::Reset(own, sizeof own);
   serviceReturns = true;
