@@ -1,221 +1,244 @@
 /// \file
-/// A model of the type-erased vectors: the steps of each operation carried out one by one on
-/// numbered blocks, with every call that they make.
+/// A model of the type-erased vectors under the names of the real ones: the steps of each
+/// operation carried out one by one, with every call that they make.
 #pragma once
 
 #include <algorithm>
 #include <cstring>
 #include <map>
 #include <string>
+#include <utility>
 #include <vector>
 
 #include "support/RecordingMemory.h"
 
 namespace model {
 
-using recording::Event;
-using recording::Place;
-
-/// Memory of all vectors of one test: block 0 is the test's own.
+/// Memory of all vectors of one walk, and what was done in it.
 struct Memory {
-  std::map<int, std::vector<unsigned char>> blocks;
-  int nextNumber = 1;
-  std::vector<Event> events;
+  std::map<char const*, int> blocks; ///< their numbers; 0 is the walk's own
+  int lastNumber = 0;
+  std::vector<recording::Event> events;
+
+  recording::Place Locate(void const* address) const {
+    auto const* const p = static_cast<char const*>(address);
+    if (p == nullptr) return {-1, 0};
+    auto const block = std::prev(blocks.upper_bound(p));
+    return {block->second, p - block->first};
+  }
 };
 
 class PlainVector {
 public:
-  PlainVector(Memory& memory, unsigned int elementSize, bool destroys)
-      : m_memory(&memory), s(elementSize), m_destroys(destroys) {}
+  static inline Memory memory;
 
-  unsigned int size = 0, capacity = 0;
-  int block = -1;
-
-  Place At(unsigned int i) const { return block < 0 ? Place{-1, 0} : Later({block, 0}, i); }
-  unsigned char const* Bytes() const { return m_memory->blocks.at(block).data(); }
-
-  void InitCopies(unsigned int n, Place value) {
-    SetBlock(n, n);
-    Fill(At(0), n, value);
+  PlainVector(auto const& replicator, unsigned int n, void const* value)
+      : s(static_cast<std::size_t>(replicator.m_size)),
+        m_destroys(replicator.m_destroy != nullptr) {
+    Init(n, value);
   }
-  void InitZeros(unsigned int n) { SetBlock(n, n); } // as new blocks are
-  void InitRange(Place first, unsigned int n) {
-    SetBlock(n, n);
-    Copy(first, At(0), n);
+  PlainVector(unsigned int size, unsigned int n) : s(size) { Init(n); }
+  PlainVector(unsigned int size, unsigned int n, void const* value) : s(size) { Init(n, value); }
+  PlainVector(PlainVector const& other) : s(other.s), m_destroys(other.m_destroys) {
+    Init(other.Begin(), other.End());
   }
-  void InitFrom(PlainVector const& other) {
-    m_destroys = other.m_destroys;
-    InitRange(other.At(0), other.size);
+  ~PlainVector() {
+    Destroy(m_first, m_size);
+    Deallocate(m_first, 0);
   }
-  void Release() {
-    Destroy(At(0), size);
-    if (block < 0) return;
-    m_memory->events.push_back({'F', {block, 0}, {-1, 0}, 0});
-    m_memory->blocks.erase(block);
+  PlainVector& operator=(PlainVector const& other) {
+    PlainVector copy(other);
+    swap(copy, *this);
+    return *this;
   }
-  void AssignFrom(PlainVector const& other) {
-    PlainVector copy(*this);
-    copy.InitFrom(other);
-    Swap(copy);
-    copy.Release();
+  void Init(unsigned int n) { // zeros, as new blocks are
+    m_first = Allocate(n);
+    m_size = m_capacity = n;
   }
-  /// Each keeps its replicator.
-  void Swap(PlainVector& other) {
-    std::swap(block, other.block);
-    std::swap(size, other.size);
-    std::swap(capacity, other.capacity);
+  void Init(unsigned int n, void const* value) {
+    Init(n);
+    fill_n(m_first, n, value);
+  }
+  void Init(void const* first, void const* last) {
+    Init(distance(last, first));
+    copy_over(first, last, m_first);
   }
 
-  void PushBack(Place value) { Insert(size, value); }
+  char* Begin() const { return m_first; }
+  char* End() const { return At(m_size); }
+  unsigned int Size() const { return m_size; }
+  unsigned int Capacity() const { return m_capacity; }
 
-  void Insert(unsigned int k, Place value) {
-    if (size < capacity && k == size) {
-      Copy(value, At(size++), 1);
-    } else if (size < capacity && k < capacity) {
-      ShiftUp(k, 1);
-      Copy(value, At(k), 1);
-    } else if (k < capacity) {
-      InsertRange(k, value, 1);
-    } else { // over a gap of zeros, as new blocks are
-      Replace(k + 2 * size + 1, k + 1, [&](PlainVector& old) {
-        Copy(old.At(0), At(0), old.size);
-        Copy(value, At(k), 1);
-      });
+  void PushBack(void const* value) { Insert(End(), value); }
+  char* Insert(char* pos, void const* value) {
+    unsigned int const k = distance(pos, m_first);
+    if (k >= m_capacity) { // over a gap of zeros, as new blocks are
+      MoveTo(k + 2 * m_size + 1, k + 1, value);
+    } else if (m_size == m_capacity) {
+      Insert(pos, value, Next(value));
+    } else {
+      k == m_size ? void(++m_size) : ShiftUp(pos, 1);
+      copy_over(value, Next(value), pos);
     }
+    return At(k);
   }
-  void InsertCopies(unsigned int k, unsigned int n, Place value) {
-    InsertRun(k, n, [&](unsigned int, unsigned int count, Place to) { Fill(to, count, value); });
+  void Insert(char* pos, unsigned int n, void const* value) {
+    InsertRun(pos, n,
+              [&](unsigned int, unsigned int count, char* to) { fill_n(to, count, value); });
   }
-  void InsertRange(unsigned int k, Place first, unsigned int n) {
-    InsertRun(k, n, [&](unsigned int from, unsigned int count, Place to) {
-      Place const source = Later(first, from), end = Later(source, count);
-      if (source.block != to.block || to.offset <= source.offset || end.offset <= to.offset)
-        Copy(source, to, count);
+  void Insert(char* pos, void const* first, void const* last) {
+    InsertRun(pos, distance(last, first), [&](unsigned int from, unsigned int n, char* to) {
+      char const* const source = static_cast<char const*>(first) + from * s;
+      char const* const end = source + n * s;
+      if (to <= source || end <= to)
+        copy_over(source, end, to);
       else // on both sides of the position
-        for (unsigned int i = count; i-- != 0;)
-          Copy(Later(source, i), Later(to, i), 1);
+        copy_backward(source, end, to + n * s);
     });
   }
 
-  void PopBack() { Destroy(At(--size), 1); }
-  void Erase(unsigned int k) {
-    if (k + 1 != size) Copy(At(k + 1), At(k), size - k - 1);
+  void PopBack() { Destroy(At(--m_size)); }
+  char* Erase(char* pos) {
+    if (pos + s != End()) copy_over(pos + s, End(), pos);
     PopBack();
+    return pos;
   }
-  void Erase(unsigned int from, unsigned int to) {
-    Copy(At(to), At(from), size - to);
-    size -= to - from;
-    Destroy(At(size), to - from);
+  char* Erase(char* first, char* last) {
+    copy_over(last, End(), first);
+    m_size -= distance(last, first);
+    Destroy(End(), distance(last, first));
+    return first;
   }
+  void Clear() { Erase(m_first, End()); }
 
-  void Assign(unsigned int n, Place value) {
-    if (n > capacity) {
-      Replace(n, n, [&](PlainVector&) { Fill(At(0), n, value); });
-    } else if (n > size) {
-      Fill(At(0), size, value);
-      Fill(At(size), n - size, value);
-      size = n;
-    } else {
-      Fill(At(0), n, value);
-      Erase(n, size);
-    }
+  void Assign(unsigned int n, void const* value) {
+    if (n > m_capacity) return Replace(n, n, [&] { fill_n(m_first, n, value); });
+    fill_n(m_first, std::min(n, m_size), value);
+    if (n <= m_size) return void(Erase(At(n), End()));
+    fill_n(End(), n - m_size, value);
+    m_size = n;
   }
-  void Resize(unsigned int n, Place value) {
-    n < size ? Erase(n, size) : InsertCopies(size, n - size, value);
+  void Resize(unsigned int n, void const* value) {
+    n < m_size ? void(Erase(At(n), End())) : Insert(End(), n - m_size, value);
   }
-  void ResizeWithZeros(unsigned int n) { n < size ? Erase(n, size) : MoveTo(n + 2 * size + 1, n); }
+  void Resize(unsigned int n) {
+    n < m_size ? void(Erase(At(n), End())) : MoveTo(n + 2 * m_size + 1, n);
+  }
+  void resize(unsigned int n) { Resize(n); }
   void Reserve(unsigned int n) {
-    if (n > capacity) MoveTo(n, size);
+    if (n > m_capacity) MoveTo(n, m_size);
   }
-
-  /// \name Single steps
-  /// @{
-  void Copy(Place from, Place to, unsigned int n) {
-    m_memory->events.push_back({'C', from, to, n});
-    for (unsigned int i = 0; i != n; ++i)
-      std::memmove(Bytes(Later(to, i)), Bytes(Later(from, i)), s);
+  /// Each keeps its replicator.
+  friend void swap(PlainVector& a, PlainVector& b) {
+    std::swap(a.m_first, b.m_first);
+    std::swap(a.m_size, b.m_size);
+    std::swap(a.m_capacity, b.m_capacity);
   }
-  void Destroy(Place first, unsigned int n) {
-    if (m_destroys) m_memory->events.push_back({'D', first, {-1, 0}, n});
-  }
-  bool HasSameBytes(Place value) {
-    std::string const bytes(reinterpret_cast<char const*>(Bytes(value)), s);
-    return bytes == std::string(s, bytes[0]);
-  }
-  void Fill(Place to, unsigned int n, Place value) {
-    if (!m_destroys && n > 3 && HasSameBytes(value)) {
-      std::memset(Bytes(to), *Bytes(value), std::size_t{n} * s);
-      return;
-    }
-    for (unsigned int i = 0; i != n; ++i)
-      Copy(value, Later(to, i), 1);
-  }
-  void AllocateAndDiscard(unsigned int n) {
-    PlainVector copy(*this);
-    copy.InitZeros(n);
-    copy.size = 0, copy.m_destroys = false;
-    copy.Release();
-  }
-  /// @}
 
 private:
-  // The place `n` elements on.
-  Place Later(Place p, unsigned int n) const {
-    return {p.block, p.offset + static_cast<std::ptrdiff_t>(std::size_t{s} * n)};
+  // The private operations of the real ones.
+  char* At(unsigned int i) const { return m_first + i * s; }
+  unsigned int distance(void const* p, void const* q) {
+    std::ptrdiff_t const bytes = static_cast<char const*>(p) - static_cast<char const*>(q);
+    return static_cast<unsigned int>(bytes / static_cast<std::ptrdiff_t>(s));
   }
-  unsigned char* Bytes(Place p) { return m_memory->blocks.at(p.block).data() + p.offset; }
+  unsigned int const& LargerOf(unsigned int const& a, unsigned int const& b) {
+    return a < b ? b : a;
+  }
+  bool sameBytes(void const* value) {
+    std::string const bytes(static_cast<char const*>(value), s);
+    return bytes == std::string(s, bytes[0]);
+  }
+  void GrowCapacity(unsigned int n) { Reserve(m_size + std::max(m_size, n)); }
 
-  void SetBlock(unsigned int newCapacity, unsigned int newSize) {
-    block = -1;
-    size = newSize;
-    capacity = newCapacity;
-    if (capacity == 0) return;
-    block = m_memory->nextNumber++;
-    m_memory->blocks[block].resize(std::size_t{capacity} * s);
-    m_memory->events.push_back({'A', {-1, 0}, {-1, 0}, std::size_t{capacity} * s});
+  char* Allocate(unsigned int n) {
+    if (n == 0) return nullptr;
+    memory.events.push_back({'A', {-1, 0}, {-1, 0}, n * s});
+    char* const block = new char[n * s]();
+    memory.blocks[block] = ++memory.lastNumber;
+    return block;
   }
+  void Deallocate(void* block, unsigned int) {
+    if (block == nullptr) return;
+    memory.events.push_back({'F', memory.Locate(block), {-1, 0}, 0});
+    memory.blocks.erase(static_cast<char*>(block));
+    delete[] static_cast<char*>(block);
+  }
+  void Destroy(void* first, unsigned int n) {
+    if (m_destroys) memory.events.push_back({'D', memory.Locate(first), {-1, 0}, n});
+  }
+  void Destroy(void* p) { Destroy(p, 1); }
+
+  void InsertAux(void* pos, void const* value) { Insert(static_cast<char*>(pos), value); }
+  char* copy_over(void const* first, void const* last, void* to) {
+    unsigned int const n = distance(last, first);
+    memory.events.push_back({'C', memory.Locate(first), memory.Locate(to), n});
+    if (n != 0) std::memmove(to, first, n * s);
+    return static_cast<char*>(to) + n * s;
+  }
+  char const* Next(void const* p) { return static_cast<char const*>(p) + s; }
+  char* copy_backward(void const* first, char const* last, char* end) {
+    for (; last != first; last -= s)
+      copy_over(last - s, last, end -= s);
+    return end;
+  }
+  char* fill_n(char* to, unsigned int n, void const* value) {
+    bool const isFast = !m_destroys && n > 3 && sameBytes(value);
+    if (isFast) std::memset(to, *static_cast<char const*>(value), n * s);
+    for (unsigned int i = 0; i != n && !isFast; ++i)
+      copy_over(value, Next(value), to + i * s);
+    return to + n * s;
+  }
+  void fill(char* first, char* last, void const* value) {
+    fill_n(first, distance(last, first), value);
+  }
+
   template <class Write>
-  void Replace(unsigned int newCapacity, unsigned int newSize, Write write) {
-    PlainVector old(*this);
-    SetBlock(newCapacity, newSize);
-    write(old);
-    old.Release();
+  void Replace(unsigned int capacity, unsigned int size, Write write) {
+    PlainVector old(static_cast<unsigned int>(s), capacity);
+    old.m_destroys = m_destroys;
+    swap(old, *this);
+    m_size = size;
+    write();
   }
-  void MoveTo(unsigned int newCapacity, unsigned int newSize) {
-    Replace(newCapacity, newSize, [&](PlainVector& old) { Copy(old.At(0), At(0), old.size); });
+  void MoveTo(unsigned int capacity, unsigned int size, void const* last = nullptr) {
+    Replace(capacity, size, [&, first = m_first, end = End()] {
+      copy_over(first, end, m_first);
+      if (last != nullptr) copy_over(last, Next(last), End() - s);
+    });
   }
-
-  void ShiftUp(unsigned int k, unsigned int n) {
-    Copy(At(size - n), At(size), n);
-    for (unsigned int i = size - n; i != k; --i)
-      Copy(At(i - 1), At(i - 1 + n), 1);
-    size += n;
+  void ShiftUp(char* pos, unsigned int n) {
+    char* const end = End();
+    copy_over(end - n * s, end, end);
+    copy_backward(pos, end - n * s, end);
+    m_size += n;
   }
   // `put` writes that many values, from the given one on, to a place.
   template <class Put>
-  void InsertRun(unsigned int k, unsigned int n, Put put) {
-    unsigned int const after = size - k;
+  void InsertRun(char* pos, unsigned int n, Put put) {
+    unsigned int const k = distance(pos, m_first), after = m_size - k;
     if (n == 0) return;
-    if (capacity - size < n) {
-      Replace(size + std::max(size, n), size + n, [&](PlainVector& old) {
-        Copy(old.At(0), At(0), k);
+    if (m_capacity - m_size < n) {
+      Replace(m_size + std::max(m_size, n), m_size + n, [&, first = m_first, end = End()] {
+        copy_over(first, pos, m_first);
         put(0, n, At(k));
-        Copy(old.At(k), At(k + n), after);
+        copy_over(pos, end, At(k + n));
       });
     } else if (after > n) {
-      ShiftUp(k, n);
-      put(0, n, At(k));
+      ShiftUp(pos, n);
+      put(0, n, pos);
     } else {
-      put(after, n - after, At(size));
-      Copy(At(k), At(k + n), after);
-      put(0, after, At(k));
-      size += n;
+      put(after, n - after, End());
+      copy_over(pos, End(), pos + n * s);
+      put(0, after, pos);
+      m_size += n;
     }
   }
 
-  Memory* m_memory;
-  unsigned int s;
-  bool m_destroys;
+  std::size_t s;
+  bool m_destroys = false;
+  char* m_first = nullptr;
+  unsigned int m_size = 0, m_capacity = 0;
 };
 
 } // namespace model
