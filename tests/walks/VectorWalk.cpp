@@ -200,13 +200,13 @@ public:
     m_valueIsOwn = m_choices.OneIn(4) || size == 0;
     m_value = m_valueIsOwn ? OwnValue() : Below(size);
     unsigned int const action = Below(isRecordVector<V> ? 19 : isErased<V> ? 17 : 16);
+    m_rangeIsOwn = action != 8, m_first = 0, m_last = std::min(m_n, 20u);
     SCOPED_TRACE("action " + std::to_string(action));
     if (action < 2) Both([](auto o) { o.v.PushBack(o.value); });
     if (action == 2 && size != 0) Both([](auto o) { o.v.PopBack(); });
     if (action == 4) m_at = m.Capacity(); // over a gap that is zeroed
     if (action == 3 || action == 4) Both([](auto o) { return o.v.Insert(o.at, o.value); });
     if (action == 5 || action == 6) Both([](auto o) { o.v.Insert(o.at, o.n, o.value); });
-    m_rangeIsOwn = action != 8, m_first = 0, m_last = std::min(m_n, 20u);
     if (action == 8) m_first = Below(size + 1), m_last = m_first + Below(size - m_first + 1);
     if (action == 7 || action == 8) Both([](auto o) { o.v.Insert(o.at, o.first, o.last); });
     if (action == 9 && m_at != size) Both([](auto o) { return o.v.Erase(o.at); });
