@@ -13,8 +13,9 @@
 
 #include "SortKey.h"
 
-// g++ for Windows puts vectors on a stack that it does not align for them.
-#if defined(__x86_64__) && !defined(_WIN32)
+// g++ for Windows puts vectors on a stack that it does not align for them; g++ 11 cannot permute
+// them.
+#if defined(__x86_64__) && !defined(_WIN32) && __has_builtin(__builtin_shufflevector)
 #define HYLBAS_SORTS_VECTORS
 #include <immintrin.h>
 
