@@ -82,19 +82,9 @@ public:
     }
     return At(k);
   }
-  void Insert(char* pos, unsigned int n, void const* value) {
-    InsertRun(pos, n,
-              [&](unsigned int, unsigned int count, char* to) { fill_n(to, count, value); });
-  }
+  void Insert(char* pos, unsigned int n, void const* value) { InsertRun(pos, n, value, false); }
   void Insert(char* pos, void const* first, void const* last) {
-    InsertRun(pos, distance(last, first), [&](unsigned int from, unsigned int n, char* to) {
-      char const* const source = static_cast<char const*>(first) + from * s;
-      char const* const end = source + n * s;
-      if (to <= source || end <= to)
-        copy_over(source, end, to);
-      else // on both sides of the position
-        copy_backward(source, end, to + n * s);
-    });
+    InsertRun(pos, distance(last, first), first, true);
   }
 
   void PopBack() { Destroy(At(--m_size)); }
@@ -213,9 +203,18 @@ private:
     copy_backward(pos, end - n * s, end);
     m_size += n;
   }
-  // `put` writes that many values, from the given one on, to a place.
-  template <class Put>
-  void InsertRun(char* pos, unsigned int n, Put put) {
+  // Inserts a run of values, or copies of one.
+  void InsertRun(char* pos, unsigned int n, void const* values, bool isRun) {
+    auto const put = [&](unsigned int from, unsigned int count, char* to) {
+      char const* const source = static_cast<char const*>(values) + from * s;
+      char const* const end = source + count * s;
+      if (!isRun)
+        fill_n(to, count, values);
+      else if (to <= source || end <= to)
+        copy_over(source, end, to);
+      else // on both sides of the position
+        copy_backward(source, end, to + count * s);
+    };
     unsigned int const k = distance(pos, m_first), after = m_size - k;
     if (n == 0) return;
     if (m_capacity - m_size < n) {

@@ -56,15 +56,8 @@ template <class V>
 constexpr bool isRecordVector = std::is_same_v<V, ByFunction> || std::is_same_v<V, Bytewise>;
 
 template <class V>
-auto Policy(HYLBasReplicatorGeneric const& replicator) {
-  if constexpr (std::is_same_v<V, Bytewise>) {
-    HYLAspStructReplicator bytewise(replicator.m_size);
-    bytewise.m_destroy = replicator.m_destroy;
-    return bytewise;
-  } else {
-    return replicator;
-  }
-}
+using Policy = std::conditional_t<std::is_same_v<V, Bytewise>, HYLAspStructReplicator,
+                                  HYLBasReplicatorGeneric>;
 
 // A typed vector under the names of its core. The walk's own zeros are left out where they can be.
 template <class T>
@@ -163,7 +156,7 @@ class VectorWalk {
   struct Operands {
     std::optional<Vector>& slot;
     Vector &v, &source;
-    decltype(Policy<V>(kinds[0])) policy;
+    Policy<V> policy;
     unsigned int size, n, count;
     char *at, *to, *first, *last;
     void const* value;
@@ -171,7 +164,9 @@ class VectorWalk {
 
 public:
   VectorWalk(HYLBasReplicatorGeneric const& kind, Choices& choices)
-      : m_choices(choices), m_kind(kind), m_policy(Policy<V>(kind)) {
+      : m_choices(choices), m_kind(kind), m_policy(kind.m_size) {
+    m_policy.m_destroy = kind.m_destroy;
+    if constexpr (!std::is_same_v<V, Bytewise>) m_policy.m_copy = kind.m_copy;
     for (int k = 0; k != 512; ++k) // also zeros, and values of equal bytes
       m_real.own[k] = static_cast<char>(k < 256 ? k * 7 : k < 352 ? 0 : k < 448 ? 5 : k % 2);
     std::memcpy(m_plain.own, m_real.own, sizeof m_plain.own);
@@ -331,8 +326,8 @@ private:
 
   Choices& m_choices;
   HYLBasReplicatorGeneric m_kind;
-  decltype(Policy<V>(kinds[0])) m_policy; // of what is made anew
-  std::string m_seen;                     // the kinds of calls
+  Policy<V> m_policy; // of what is made anew
+  std::string m_seen; // the kinds of calls
   bool m_rangeIsOwn, m_valueIsOwn;
   Side<V> m_real;
   Side<PlainVector> m_plain;
@@ -384,7 +379,7 @@ std::string const outOfBounds = Only("Error: out-of-bounds violation in HYLBasVe
 TYPED_TEST(ErasedVector, EndsTheProcessAtEachViolation) {
   int const values[] = {1, 2, 3, 4, 5};
   recording::Reset(values, sizeof values);
-  TypeParam v(Policy<TypeParam>(HYLBasGetReplicator<int>()), 0, nullptr);
+  TypeParam v(Policy<TypeParam>(4), 0, nullptr);
   v.Reserve(4);
   v.Insert(v.End(), values, values + 2);
   char* const first = static_cast<char*>(v.Begin());
@@ -409,8 +404,7 @@ TYPED_TEST(ErasedVector, EndsTheProcessAtEachViolation) {
   EXPECT_EXIT(v.Assign(4294967295u, values), dies, refused);
   EXPECT_EXIT(v.Resize(4294967295u, values), dies, refused);
   EXPECT_EXIT((v.*std::get<0>(Open(&v)))(4294967295u), dies, refused);
-  EXPECT_EXIT(TypeParam(Policy<TypeParam>(HYLBasGetReplicator<double>()), 4294967295u, values),
-              dies, refused);
+  EXPECT_EXIT(TypeParam(Policy<TypeParam>(8), 4294967295u, values), dies, refused);
   EXPECT_EXIT(v.Insert(v.End(), values + 1, values), dies, refused);
   if constexpr (sizeof(void*) > 4) {
     void const* const farEnd = reinterpret_cast<void const*>(
