@@ -53,8 +53,6 @@ OPEN(double, 0)
 OPEN(double, 1)
 #undef OPEN
 
-bool SameBits(auto const& a, auto const& b) { return std::memcmp(&a, &b, sizeof a) == 0; }
-
 // Two arrays and what they should be. Blocks are numbered by the recording memory; block 0 is the
 // walk's own buffer, which arrays borrow.
 template <class T, int order>
@@ -290,30 +288,28 @@ private:
 
   // The norms of lines that lie in one piece, of a copy of the array.
   void Measure(Array& a, Model const& model, int at) {
-    bool const rows = order == 0;
-    int const type = Below(5) - 1, length = rows ? model.n : model.m;
-    double norm = -1;
+    bool const rows = order == 0, good = at >= 0 && at < (rows ? model.m : model.n);
+    auto const type = static_cast<typename Array::NormType>(Below(5) - 1);
     double volatile s = 0.0; // every step rounded to a double
-    bool const good = at >= 0 && at < (rows ? model.m : model.n);
-    Passes(good, rows ? "0 <= _rowid && _rowid < m" : "0 <= _colid && _colid < n", [&] {
-      auto const kind = static_cast<typename Array::NormType>(type);
-      if constexpr (order == 0)
-        norm = RowNorm(a, at, kind);
-      else
-        norm = ColumnNorm(a, at, kind);
-    });
-    Model copy = m_done ? Made(model.m, model.n, model) : Model{0, 0, -1, Array::e_borrow, nullptr};
-    Replace(copy, {});
-    for (int x = 0; good && x < length; ++x) {
+    for (int x = 0; good && x < (rows ? model.n : model.m); ++x) {
       double const y = rows ? model(at, x) : model(x, at);
       double volatile const square = y * y;
-      if (type == 0) s = std::fabs(y) + s;
-      if (type == 1) s = square + s;
-      if (type == 2 && std::fabs(y) > s) s = std::fabs(y);
+      if (type == Array::e_norm1) s = std::fabs(y) + s;
+      if (type == Array::e_norm2) s = square + s;
+      if (type == Array::e_normInf && std::fabs(y) > s) s = std::fabs(y);
     }
-    if (!m_done || !good) return;
-    double const expected = type == 1 ? std::sqrt(s) : s;
-    EXPECT_TRUE(std::isnan(norm) ? std::isnan(expected) : SameBits(norm, expected));
+    double const expected = type == Array::e_norm2 ? std::sqrt(s) : s;
+    Passes(good, rows ? "0 <= _rowid && _rowid < m" : "0 <= _colid && _colid < n", [&] {
+      double norm;
+      if constexpr (order == 0)
+        norm = RowNorm(a, at, type);
+      else
+        norm = ColumnNorm(a, at, type);
+      EXPECT_TRUE(std::isnan(norm) ? std::isnan(expected)
+                                   : std::memcmp(&norm, &expected, sizeof norm) == 0);
+    });
+    Model copy;
+    if (m_done) Replace(copy = Made(model.m, model.n, model), {});
   }
 
   // Carries out the operation, at times without memory, which fails with this text or not at all.
