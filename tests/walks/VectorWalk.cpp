@@ -234,12 +234,14 @@ private:
     std::optional<Vector>& slot = side.vectors[m_i];
     char* const begin = static_cast<char*>(slot->Begin());
     auto const size = static_cast<unsigned int>(elementSize);
-    std::size_t const s = size;
+    // A vector made anew has no block for the places that were chosen before.
+    std::size_t const s = begin == nullptr ? 0 : size;
     char* const range = m_rangeIsOwn ? side.own : begin;
     char *const at = begin + m_at * s, *const to = begin + m_to * s;
     char const* const value = m_valueIsOwn ? side.own + m_value : begin + m_value * s;
+    std::size_t const r = m_rangeIsOwn ? size : s;
     return {slot, *slot, *side.vectors[m_source], m_policy,           size, m_n, m_last - m_first,
-            at,   to,    range + m_first * s,     range + m_last * s, value};
+            at,   to,    range + m_first * r,     range + m_last * r, value};
   }
   // Carries out the operation with the real vectors, at times with memory failing, and with the
   // models where it was completed. Else nothing has happened but the end of an empty vector.
