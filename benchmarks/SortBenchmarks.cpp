@@ -13,6 +13,7 @@
 #include "Compare.h"
 #include "HYLBasSortGenericIx.h"
 #include "HYLBasSortSpecial.h"
+#include "SortIndicesPeer.h"
 #include "SortPatterns.h"
 
 namespace {
@@ -146,13 +147,6 @@ void SortIndices(State& state, Pattern const& pattern, unsigned int n, Sort sort
   compare::CountOperations(state, arrays.Size());
 }
 
-void SortIndicesByStd(unsigned int n, HYLBasVector<unsigned int>& indices,
-                      HYLBasIxComparitor const& comparitor) {
-  indices.resize(n);
-  std::iota(indices.begin(), indices.end(), 0u);
-  std::sort(indices.begin(), indices.end(), comparitor);
-}
-
 bool const isRegistered = [] {
   RegisterWhole<int>("int");
   RegisterWhole<long long>("int64");
@@ -178,7 +172,8 @@ bool const isRegistered = [] {
                           HYLBasIxComparitor const& comparitor) {
         HYLBasSortGenericIx(nullptr, size, indices, comparitor);
       });
-      addIndex("std::sort", SortIndicesByStd);
+      addIndex("std::sort", peer::SortIndices);
+      addIndex("std::sort in a library", peer::SortIndicesInLibrary);
     }
   return true;
 }();
