@@ -194,7 +194,8 @@ public:
     m_at = Below(size + 1), m_to = size, m_n = Below(2) ? Below(6) : Below(40);
     m_valueIsOwn = m_choices.OneIn(4) || size == 0;
     m_value = m_valueIsOwn ? OwnValue() : Below(size);
-    unsigned int const action = Below(isRecordVector<V> ? 19 : isErased<V> ? 17 : 16);
+    constexpr unsigned int common = 16; // actions of all vectors; those of some come behind
+    unsigned int const action = Below(common + (isRecordVector<V> ? 3 : isErased<V> ? 1 : 0));
     m_rangeIsOwn = action != 8, m_first = 0, m_last = std::min(m_n, 20u);
     SCOPED_TRACE("action " + std::to_string(action));
     if (action < 2) Both([](auto o) { o.v.PushBack(o.value); });
@@ -215,10 +216,10 @@ public:
     if (action == 15 && m_n % 3 == 1) Both([](auto o) { o.v.Clear(); });
     if (action == 15 && m_n % 3 == 2) MakeAnew();
     if constexpr (isErased<V>)
-      if (action == 16) PrivateStep(Below(9), size - m_at);
+      if (action == common) PrivateStep(Below(9), size - m_at);
     if constexpr (isRecordVector<V>) {
-      if (action == 17) Both([](auto o) { o.v.Resize(o.n); });
-      if (action == 18) Both([](auto o) { o.v.resize(o.n); });
+      if (action == common + 1) Both([](auto o) { o.v.Resize(o.n); });
+      if (action == common + 2) Both([](auto o) { o.v.resize(o.n); });
     }
     CompareCalls();
     for (int i : {0, 1})
