@@ -226,11 +226,17 @@ std::string Text(Choices& choices) {
   std::string text;
   for (unsigned int lines = choices.Below(4); lines != 0; --lines)
     text += choices.Of(above);
-  unsigned int const lines = choices.Below(choices.OneIn(4) ? 1000 : 20);
-  text += "1 1 " + (choices.OneIn(4) ? choices.Of(counts) : std::to_string(lines));
-  if (!choices.OneIn(8)) text += '\n';
+  unsigned int lines = choices.Below(choices.OneIn(4) ? 1000 : 20);
+  std::string const count = choices.OneIn(4) ? choices.Of(counts) : "";
+  char const* const end = choices.OneIn(8) ? "" : "\n";
+  std::string values;
   for (unsigned int i = 0; i != lines; ++i)
-    text += Line(choices);
+    values += Line(choices);
+  // At times more than is read at once, so that earlier lines are left behind the last one.
+  for (bool const isLong = choices.OneIn(8); isLong && lines != 0 && values.size() < 20000;
+       lines *= 2)
+    values += values;
+  text += "1 1 " + (count.empty() ? std::to_string(lines) : count) + end + values;
   if (choices.OneIn(4)) text.pop_back();
   return text;
 }
