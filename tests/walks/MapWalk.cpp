@@ -87,67 +87,60 @@ public:
 
   void Step() {
     Twin &twin = m_choices.Of(m_twins), &other = m_choices.Of(m_twins);
-    int const key = Key(), key2 = Key(), keys[] = {key, key2, key};
-    V const value = Value();
-    std::vector<typename Map::value_type> real(1, {key2, value});
+    m_keys[0] = m_keys[2] = Key(), m_keys[1] = Key();
+    m_value = Value();
+    std::vector<typename Map::value_type> real(1, {m_keys[1], m_value});
     for (unsigned int n = m_choices.Below(8); n != 0; --n)
       real.emplace_back(Key(), Value());
     std::vector<std::pair<int const, V>> plain;
     for (auto const& [first, second] : real)
       plain.emplace_back(first, second);
-    unsigned int const action = m_choices.Below(17);
-    SCOPED_TRACE("action " + std::to_string(action));
-
-    // An operation is given a map, the other map, and elements.
-    auto const both = [&](auto operation) {
-      Both(
-          m_choices.FailingRequest(), nodeSize,
-          [&] { return Result{ResultOf(operation, twin.map, other.map, real)}; },
-          [&] { return Result{ResultOf(operation, twin.plain, other.plain, plain)}; });
-    };
-    if (action == 0)
-      both([&](auto& m, auto&...) {
-        V* const first = &m[key];
-        m[key2] = value;
-        return first == &m.find(key)->second;
-      });
-    if (action == 1) both([&](auto& m, auto&...) { return Index(m, m.Insert(key, value)); });
-    if (action == 2) both([&](auto& m, auto&...) { return Index(m, m.InsertOver(key, value)); });
-    if (action == 3)
-      both([](auto& m, auto&, auto const& list) {
-        auto const [position, isNew] = m.insert(list[0]);
-        return Result{Index(m, position), isNew};
-      });
-    if (action == 4)
-      both([&](auto& m, auto&, auto const& list) {
-        return Index(m, m.insert(m.lower_bound(key), list[0]));
-      });
-    if (action == 5)
-      both([](auto& m, auto&, auto const& list) { m.insert(&list.front(), &list.back() + 1); });
-    if (action == 6)
-      both([](auto& m, auto&, auto const& list) { m = {&list.front(), &list.back() + 1}; });
-    if (action == 7)
-      both([&](auto& m, auto const& n, auto&) { m.insert(n.lower_bound(key), n.end()); });
-    if (action == 8)
-      both([&](auto& m, auto const& n, auto&) { m = {n.lower_bound(key), n.end()}; });
-    if (action == 9) both([&](auto& m, auto&...) { return LookUp(m, key); });
-    if (action == 10) both([&](auto const& m, auto&...) { return LookUp(m, key); });
-    if (action == 11 && twin.plain.count(key) != 0)
-      both([&](auto& m, auto&...) { m.erase(m.find(key)); });
-    if (action == 12 && key <= key2)
-      both([&](auto& m, auto&...) { m.erase(m.lower_bound(key), m.lower_bound(key2)); });
-    if (action == 13) both([&](auto& m, auto&...) { return m.erase(key) != 0; });
-    if (action == 13 && !twin.plain.empty()) // a key that goes with its element
-      both([](auto& m, auto&...) { return m.erase(m.begin()->first) == 1; });
-    if (action == 14) both([&](auto& m, auto&...) { m.erase(keys, keys + 3); });
-    if (action == 15) both([](auto& m, auto& n, auto&) { m.swap(n); });
-    if (action == 16) both([](auto& m, auto& n, auto&) { m = n; });
-    if (action == 16 && key == 0) both([](auto& m, auto&...) { m.clear(); });
+    m_action = m_choices.Below(17);
+    SCOPED_TRACE("action " + std::to_string(m_action));
+    Both(
+        m_choices.FailingRequest(), nodeSize, [&] { return Do(twin.map, other.map, real); },
+        [&] { return Do(twin.plain, other.plain, plain); });
     for (Twin const& each : m_twins)
       Compare(each.map, each.plain);
   }
 
 private:
+  // The action with a map, the other map, and elements.
+  template <class M, class List>
+  Result Do(M& m, M& n, List const& list) {
+    int const key = m_keys[0], key2 = m_keys[1];
+    auto const *const first = &list.front(), *const last = &list.back() + 1;
+    M const &constM = m, &constN = n;
+    auto const is = [this](unsigned int action) { return m_action == action; };
+    if (is(0)) {
+      V* const found = &m[key];
+      m[key2] = m_value;
+      return {found == &m.find(key)->second};
+    }
+    if (is(1)) return {Index(m, m.Insert(key, m_value))};
+    if (is(2)) return {Index(m, m.InsertOver(key, m_value))};
+    if (is(3)) {
+      auto const [position, isNew] = m.insert(*first);
+      return {Index(m, position), isNew};
+    }
+    if (is(4)) return {Index(m, m.insert(m.lower_bound(key), *first))};
+    if (is(5)) m.insert(first, last);
+    if (is(6)) m = {first, last};
+    if (is(7)) m.insert(constN.lower_bound(key), constN.end());
+    if (is(8)) m = {constN.lower_bound(key), constN.end()};
+    if (is(9)) return LookUp(m, key);
+    if (is(10)) return LookUp(constM, key);
+    if (is(11) && m.count(key) != 0) m.erase(m.find(key));
+    if (is(12) && key <= key2) m.erase(m.lower_bound(key), m.lower_bound(key2));
+    if (is(13) && !m.empty()) // a key that goes with its element
+      return {m.erase(m.begin()->first) == 1, m.erase(key) != 0};
+    if (is(14)) m.erase(m_keys, m_keys + 3);
+    if (is(15)) m.swap(n);
+    if (is(16)) m = n;
+    if (is(16) && key < -16) m.clear();
+    return {};
+  }
+
   int Key() {
     int const extremes[] = {INT_MIN, INT_MIN + 1, INT_MAX, INT_MAX - 1};
     int const k = static_cast<int>(m_choices.Below(64));
@@ -172,6 +165,9 @@ private:
 
   Choices& m_choices;
   Twin m_twins[2];
+  unsigned int m_action;
+  int m_keys[3];
+  V m_value;
 };
 
 template <class V>
